@@ -1,0 +1,76 @@
+// The frame of every driver call: a zeroed header, one "call" line, the platform's call, one result line, two statuses.
+//
+// An operation states its call site as data and then calls
+//
+//   auto header = header_for(board);
+//   const Outcome outcome = invoke<kSite>(board, header, payload...);
+//
+// invoke() checks the payloads against the callback's row in callbacks.h when it is compiled and forwards to one function.
+#pragma once
+
+#include <cstdint>
+
+#include "transport/callbacks.h"
+#include "vaskdfc/platform.h"
+
+namespace vaskdfc {
+
+// Stands for "no board" in result lines, where it prints as -1, and for "no such driver board" in the board table.
+inline constexpr std::uint32_t kNoBoard = 0xFFFFFFFF;
+
+// Source lines as the log shows them. They are part of the log's contract: fixed numbers, never the compiler's.
+struct Lines {
+  int call;
+  int result;
+};
+
+// One place in the library that issues a callback.
+struct CallSite {
+  const char* function;
+  Callback callback;
+  Lines lines;
+  // Some sites log another name than the callback's own; log readers match these names.
+  const char* call_name = facts_of(callback).name;
+  const char* result_name = call_name;
+  // Board discovery probes numbers that mostly do not exist; those failures are no news.
+  bool logs_failure = true;
+};
+
+// What came of a call: the status of the platform and the status of the driver.
+struct [[nodiscard]] Outcome {
+  std::uint32_t platform;
+  std::uint32_t driver;
+
+  constexpr bool ok() const { return platform == 0 && driver == 0; }
+  // The general rule for results: the platform's status if it is nonzero, otherwise the driver's.
+  constexpr std::uint32_t status() const { return platform != 0 ? platform : driver; }
+};
+
+// The driver's board number for a board index. The index is not checked: callers rely on the driver to reject what it does not
+// know, and an index that was never filled sends 0xFFFFFFFF.
+std::uint32_t getDrvBrdNum(std::uint32_t board);
+
+// A zeroed header that addresses a board.
+dfc_mgmt_hdr header_for(std::uint32_t board);
+
+// Parameters after the header.
+struct Payloads {
+  const void* address[3];
+};
+
+// Does the work of invoke(). `board` is the caller's board index, shown on the result lines.
+Outcome issue(const CallSite& site, std::uint32_t board, dfc_mgmt_hdr& header, const Payloads& payloads);
+
+template <const CallSite& kSite, typename... Arguments>
+Outcome invoke(std::uint32_t board, dfc_mgmt_hdr& header, Arguments&... arguments) {
+  using Row = Callbacks::At<kSite.callback>;
+  static_assert(sizeof...(Arguments) == Row::kPayloads, "wrong number of parameters: see this callback's row in callbacks.h");
+  if constexpr (sizeof...(Arguments) == Row::kPayloads) {
+    static_assert(Row::template records_match<Arguments...>(), "wrong record: see this callback's row in callbacks.h");
+    static_assert(Row::template directions_match<Arguments...>(),
+                  "wrong direction: the driver writes this record, it must not be const");
+  }
+  return issue(kSite, board, header, {{&arguments...}});
+}
+
+}  // namespace vaskdfc

@@ -1,0 +1,42 @@
+// The log of the library's traffic with the driver. Nothing else formats a log line.
+//
+// Every line starts with a timestamp, the writing function's name and a source line number, is one formatted write and is
+// flushed at once. The configuration file selects classes of lines by the bits of LogLevel.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "vaskdfc/platform.h"
+
+namespace vaskdfc {
+
+struct Outcome;
+
+// Bits of LogLevel.
+inline constexpr std::uint32_t kLogHandle = 1;  // the management handle is opened and closed
+inline constexpr std::uint32_t kLogOk = 2;      // "cmd ok"
+inline constexpr std::uint32_t kLogError = 4;   // "cmd err" and "ERROR:"
+inline constexpr std::uint32_t kLogCall = 8;    // "call"
+
+extern std::FILE* fLogger;      // null while logging is off; once open it stays open
+extern std::uint32_t LogLevel;  // enabled classes
+
+// Reads the configuration and opens the log. Every initialisation does so, and the file's present content decides.
+void OpenLogger();
+
+// Where a line says that it comes from.
+struct LogSite {
+  const char* function;
+  int line;
+};
+
+void log_call(LogSite site, const char* callback);
+void log_ok(LogSite site, const char* callback, std::uint32_t board);
+void log_error(LogSite site, const char* callback, std::uint32_t board, const Outcome& outcome);
+void log_init_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t count);
+void log_destroy_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t count);
+// Written whatever LogLevel says, as long as the log is open.
+void log_init_failure(LogSite site, std::uint32_t platform_status);
+
+}  // namespace vaskdfc

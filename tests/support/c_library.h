@@ -1,0 +1,25 @@
+// The C library's border, replaced where a test is linked: clock, sleep, names of process and host, and where the library's
+// files are.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vaskdfc::test {
+
+struct CLibrary {
+  std::int32_t seconds = 1700000000;  // 2023-11-14T22:13:20
+  int process_id = 4711;
+  long thread_id = 4712;
+  std::string host_name = "host-17";
+  std::vector<unsigned> sleeps;           // seconds that the library asked to sleep
+  std::filesystem::path scratch;          // stands for /scratch
+  std::vector<std::string> opened_files;  // path and mode, in order
+};
+
+// What the replaced functions answer and record. Every test starts with fresh values.
+extern CLibrary c_library;
+
+}  // namespace vaskdfc::test
