@@ -68,6 +68,82 @@ VASKDFC_FIELD_AT(HbaPortAttributes, OSDeviceName, 352);
 VASKDFC_FIELD_AT(HbaPortAttributes, PortSupportedSpeed, 608);
 VASKDFC_FIELD_AT(HbaPortAttributes, FabricName, 620);
 
+/**
+ * Reads the attributes of an adapter.
+ *
+ * @param board       board index
+ * @param attributes  receives the driver's reply, also when the call failed and the reply holds nothing useful
+ * @return HBA_STATUS_OK in every case; only the log tells a failure
+ *
+ * Driver callback: TREL_MGMT_HBA_ADAPTERATTRIBUTES.
+ */
+uint32_t GetAdapterAttributes(uint32_t board, HbaAdapterAttributes* attributes);
+
+/**
+ * Reads the attributes of an adapter's own port.
+ *
+ * @param board       board index
+ * @param port        not used
+ * @param attributes  receives the attributes; untouched on failure. Clear it before the call for a terminated OSDeviceName
+ * @return HBA_STATUS_OK; HBA_STATUS_ERROR on any failure
+ *
+ * Driver callback: TREL_MGMT_HBA_PORTATTRIBUTES.
+ */
+uint32_t GetAdapterPortAttributes(uint32_t board, uint32_t port, HbaPortAttributes* attributes);
+
+/**
+ * Reads the attributes of a port by its position in the driver's port list.
+ *
+ * @param board       board index
+ * @param port        not used
+ * @param index       position in the port list
+ * @param attributes  receives the attributes; untouched unless the result is HBA_STATUS_OK
+ * @return HBA_STATUS_OK; HBA_STATUS_ERROR_ILLEGAL_INDEX when the driver's status is 0x0BAD005D;
+ *         HBA_STATUS_ERROR_STALE_DATA when the ports have changed since the last RefreshInformation; HBA_STATUS_ERROR on any
+ *         other failure
+ *
+ * Driver callback: TREL_MGMT_HBA_INDEXPORTATTRIBUTES.
+ */
+uint32_t GetPortAttributesByIndex(uint32_t board, uint32_t port, uint32_t index, HbaPortAttributes* attributes);
+
+/**
+ * Reads the attributes of a discovered port.
+ *
+ * @param board       board index
+ * @param port        not used
+ * @param index       discovered-port index, from 0
+ * @param attributes  receives the attributes; untouched unless the result is HBA_STATUS_OK
+ * @return HBA_STATUS_OK; HBA_STATUS_ERROR_ILLEGAL_INDEX when the driver's status is 0x0BAD0003;
+ *         HBA_STATUS_ERROR_STALE_DATA when the ports have changed since the last RefreshInformation; HBA_STATUS_ERROR on any
+ *         other failure
+ *
+ * Driver callback: TREL_MGMT_HBA_DISCPORTATTRIBUTES.
+ */
+uint32_t GetDiscoveredPortAttributes(uint32_t board, uint32_t port, uint32_t index, HbaPortAttributes* attributes);
+
+/**
+ * Reads the attributes of a port by its port WWN.
+ *
+ * @param board       board index
+ * @param wwn         port WWN
+ * @param attributes  receives the attributes; untouched on failure
+ * @return HBA_STATUS_OK; HBA_STATUS_ERROR_ILLEGAL_WWN when the driver's status is 0x0BAD0003; HBA_STATUS_ERROR on any other
+ *         failure
+ *
+ * Driver callback: TREL_MGMT_HBA_WWPNPORTATTRIBUTES.
+ */
+uint32_t GetPortAttributesByWWN(uint32_t board, const HbaWwn* wwn, HbaPortAttributes* attributes);
+
+/**
+ * Renews the driver's view of the discovered ports, to which queries by index and of discovered ports then refer.
+ *
+ * @param board  board index
+ * @return HBA_STATUS_OK; HBA_STATUS_ERROR on any failure
+ *
+ * Driver callback: TREL_MGMT_HBA_REFRESHINFO.
+ */
+uint32_t RefreshInformation(uint32_t board);
+
 #pragma GCC visibility pop
 
 #ifdef __cplusplus
