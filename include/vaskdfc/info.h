@@ -1,5 +1,5 @@
 /*
- * Revisions, driver information, kernel messages and test events.
+ * Revisions, driver information, kernel messages.
  */
 #ifndef VASKDFC_INFO_H
 #define VASKDFC_INFO_H
@@ -98,6 +98,38 @@ uint32_t DFC_GetLibVer(char* text);
  * Driver callback: TREL_MGMT_CALL_VER.
  */
 uint32_t CallVer(dfc_interface_rev* driver, dfc_interface_rev* library);
+
+/**
+ * Describes the driver behind an adapter.
+ *
+ * @param board  board index
+ * @param info   receives the description; untouched on failure
+ * @return DFC_OK; DFC_UNSUPPORTED when the driver's information or the attributes of port 0 cannot be read
+ *
+ * Driver callbacks: TREL_MGMT_GET_TRELDFC_INFO, TREL_MGMT_HBA_ADAPTERATTRIBUTES, TREL_MGMT_HBA_PORTATTRIBUTES,
+ * TREL_MGMT_MBOX_SLI_CFG_EXT_SUP. A failure of the second or the fourth is not a failure of this operation.
+ */
+uint32_t DFC_GetDrvInfo(uint32_t board, dfc_drv_info* info);
+
+/**
+ * Fetches the driver's module information.
+ *
+ * @param info  filled by the driver
+ * @return 0, or the platform's status, or the driver's
+ *
+ * Driver callback: TREL_MGMT_MOD_INFO.
+ */
+uint32_t ModInfo(dfc_module_info* info);
+
+/**
+ * Writes a message into the driver's log.
+ *
+ * @param message  64 bytes
+ * @return 0, or the platform's status, or the driver's
+ *
+ * Driver callback: TREL_MGMT_LOG_MSG.
+ */
+uint32_t LogMsg(const dfc_kernel_message* message);
 
 #pragma GCC visibility pop
 

@@ -1,0 +1,31 @@
+/*
+ * vaskdfc: diagnostics and management of Fibre Channel and FCoE host bus adapters.
+ *
+ * One header for applications. It includes the header of every family of operations:
+ *
+ *   vaskdfc/transport.h      start, stop, board discovery, diagnostic states
+ *   vaskdfc/info.h           revisions, driver information, kernel messages
+ *   vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
+ *   vaskdfc/unimplemented.h  entry points that have no function on this platform
+ *
+ * Conventions that hold everywhere:
+ *
+ *   1. Call DFC_InitDiagEnv first. It numbers the adapters densely from 0; every operation on an adapter takes that board
+ *      index (0 to 31) as its first argument. Indices are not range-checked.
+ *   2. Callers own every record they pass. Pointers must not be null unless an operation says so.
+ *   3. Unless an operation lists its results, it returns 0 on success, else the platform's status if that is nonzero, else the
+ *      driver's status word. Small result codes are named in vaskdfc/result.h.
+ *   4. Operations block until the driver has answered. They may be called from several threads at once; initialisation and
+ *      shutdown must not overlap any other call.
+ *   5. Records have one layout on 32-bit and 64-bit systems and contain no padding.
+ */
+#ifndef VASKDFC_H
+#define VASKDFC_H
+
+#include "vaskdfc/hbaapi.h"
+#include "vaskdfc/info.h"
+#include "vaskdfc/result.h"
+#include "vaskdfc/transport.h"
+#include "vaskdfc/unimplemented.h"
+
+#endif
