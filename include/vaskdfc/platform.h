@@ -72,7 +72,12 @@ typedef void* vmk_MgmtUserHandle;
  */
 int vmk_MgmtUserInit(const void* signature, uint64_t cookie, vmk_MgmtUserHandle* handle);
 
-/** Closes a handle. The library ignores the result. */
+/**
+ * Closes a handle.
+ *
+ * @param handle  an open handle
+ * @return platform status, 0 on success; the library ignores it
+ */
 int vmk_MgmtUserDestroy(vmk_MgmtUserHandle handle);
 
 /**

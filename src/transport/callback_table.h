@@ -27,8 +27,10 @@ struct Bytes {
 // Values of dfc_mgmt_callback::parameter_usage.
 enum class Usage : std::uint32_t { kIn = 0, kOut = 1, kInOut = 2 };
 
-template <Record T, Usage kDirection>
+template <typename T, Usage kDirection>
 struct Parameter {
+  static_assert(Record<T>, "a callback's parameter must be a plain record without padding");
+
   static constexpr std::uint32_t kBytes = sizeof(T);
   static constexpr Usage kUsage = kDirection;
 
@@ -38,11 +40,11 @@ struct Parameter {
   template <typename Argument>
   static constexpr bool kMayPass = kDirection == Usage::kIn || !std::is_const_v<Argument>;
 };
-template <Record T>
+template <typename T>
 using In = Parameter<T, Usage::kIn>;
-template <Record T>
+template <typename T>
 using Out = Parameter<T, Usage::kOut>;
-template <Record T>
+template <typename T>
 using InOut = Parameter<T, Usage::kInOut>;
 
 // A text as template argument.

@@ -177,7 +177,7 @@ struct Callbacks : Table<
     Row<Callback::kOasVer, "TREL_MGMT_OAS_VER">> {};
 // clang-format on
 
-static_assert(Callbacks::kCount == 77);
+static_assert(Callbacks::kCount == 77, "the driver registers 77 callbacks: a row of Callbacks is missing or superfluous");
 static_assert(ids_are_unique(Callbacks::kFacts), "two rows of Callbacks describe the same callback");
 
 constexpr const CallbackFacts& facts_of(Callback callback) {
