@@ -1,0 +1,39 @@
+// One adapter: the card that the scenario describes and what it remembers.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+
+#include "driver/adapter_state.h"
+#include "driver/state_store.h"
+#include "scenario/fc_hba.h"
+#include "scenario/scenario.h"
+
+namespace simulator {
+
+class Adapter {
+ public:
+  // Both must outlive the adapter. Throws StateError when what the store holds for this adapter is damaged.
+  Adapter(const scenario::Adapter& card, StateStore& store);
+
+  const scenario::Adapter& card() const { return card_; }
+
+  // Both throw StateError.
+  AdapterState state() const;
+  AdapterState change(const std::function<void(AdapterState&)>& changes);
+
+  // What becomes of the port in a given state.
+  fc_hba::PortState port_state(const AdapterState& state) const;
+  // The ports that the adapter discovers: none unless it is online.
+  std::span<const scenario::Port> discovered_ports(const AdapterState& state) const;
+
+ private:
+  AdapterState parse(const std::optional<std::string>& text) const;
+
+  const scenario::Adapter& card_;
+  StateStore& store_;
+  std::string name_;  // of what the store holds
+};
+
+}  // namespace simulator

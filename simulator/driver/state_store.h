@@ -1,0 +1,41 @@
+// Where the driver keeps what must last: byte strings under names. In a folder they outlive the process and are shared with
+// other processes; in memory they end with the process.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace simulator {
+
+// A folder or a file that cannot be used, in words.
+class StateError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class StateStore {
+ public:
+  using Change = std::function<std::string(std::optional<std::string> present)>;
+
+  virtual ~StateStore() = default;
+
+  // What is stored under a name; nothing if nothing ever was.
+  virtual std::optional<std::string> load(const std::string& name) = 0;
+
+  // Reads, changes and stores as one step, also against other processes. What a failure or a kill leaves behind is either the
+  // old or the new content, whole.
+  virtual void update(const std::string& name, const Change& change) = 0;
+
+  // How messages call what is stored under a name.
+  virtual std::string describe(const std::string& name) const = 0;
+};
+
+std::unique_ptr<StateStore> memory_store();
+
+// Creates the folder if need be. Throws StateError.
+std::unique_ptr<StateStore> folder_store(const std::string& path);
+
+}  // namespace simulator

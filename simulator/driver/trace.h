@@ -1,0 +1,42 @@
+// The trace: one JSON line for every callback.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "transport/callbacks.h"
+
+namespace simulator {
+
+class TraceError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct TraceEntry {
+  const vaskdfc::CallbackFacts& callback;
+  const dfc_mgmt_hdr& sent;
+  const dfc_mgmt_hdr& answered;
+  std::uint32_t platform_status;
+  std::chrono::microseconds duration;
+};
+
+class Trace {
+ public:
+  // Appends to a file. Throws TraceError.
+  explicit Trace(const std::string& path);
+  ~Trace();
+  Trace(const Trace&) = delete;
+  Trace& operator=(const Trace&) = delete;
+
+  // Each line is one write, so that lines of several threads and processes do not mix. Throws TraceError.
+  void write(const TraceEntry& entry);
+
+ private:
+  std::string path_;
+  int file_;
+};
+
+}  // namespace simulator

@@ -1,0 +1,61 @@
+/*
+ * The simulated platform: what its users set and what they may see.
+ *
+ * libvmkmgmt.so.0 takes the place of the host's management library and answers as a host with a driver and adapters would.
+ * docs/simulator.md describes it.
+ */
+#ifndef VMKMGMT_SIM_H
+#define VMKMGMT_SIM_H
+
+/* Environment variables, read when a process opens its first handle. */
+#define VMKMGMT_SIM_SCENARIO "VMKMGMT_SIM_SCENARIO" /* scenario file; unset: the built-in scenario */
+#define VMKMGMT_SIM_TRACE "VMKMGMT_SIM_TRACE"       /* file that gets one JSON line per callback; unset: no trace */
+#define VMKMGMT_SIM_STATE "VMKMGMT_SIM_STATE"       /* folder where state outlives the process; unset: it does not */
+
+/* Results of the three platform functions. */
+typedef enum vmkmgmt_sim_platform_status {
+  VMKMGMT_SIM_OK = 0,
+
+  /* vmk_MgmtUserInit: the interface and its signature. */
+  VMKMGMT_SIM_NOT_REGISTERED = 0x0BAD1001,      /* no driver registered an interface of this name */
+  VMKMGMT_SIM_BAD_VERSION = 0x0BAD1002,         /* the driver speaks another interface version */
+  VMKMGMT_SIM_BAD_VENDOR = 0x0BAD1003,          /* the driver is another vendor's */
+  VMKMGMT_SIM_BAD_CALLBACK_COUNT = 0x0BAD1004,  /* the driver has more or fewer callbacks */
+  VMKMGMT_SIM_BAD_CALLBACK_ID = 0x0BAD1005,     /* a descriptor names another callback than the driver's at its position */
+  VMKMGMT_SIM_BAD_LOCATION = 0x0BAD1006,        /* a descriptor's callback does not run in the kernel */
+  VMKMGMT_SIM_BAD_HANDLER = 0x0BAD1007,         /* a descriptor brings a user-space handler */
+  VMKMGMT_SIM_BAD_SYNCHRONOUS = 0x0BAD1008,     /* a descriptor is not synchronous */
+  VMKMGMT_SIM_BAD_PARAMETER_COUNT = 0x0BAD1009, /* a descriptor has more or fewer parameters than the driver's callback */
+  VMKMGMT_SIM_BAD_PARAMETER_SIZE = 0x0BAD100A,  /* a descriptor's parameter has another size */
+  VMKMGMT_SIM_BAD_PARAMETER_USAGE = 0x0BAD100B, /* a descriptor's parameter has another direction */
+
+  /* vmk_MgmtUserInit: the simulator itself. Standard error says more, once per process. */
+  VMKMGMT_SIM_BAD_SCENARIO = 0x0BAD1010, /* the scenario cannot be read or is not valid */
+  VMKMGMT_SIM_BAD_TRACE = 0x0BAD1011,    /* the trace file cannot be written */
+  VMKMGMT_SIM_BAD_STATE = 0x0BAD1012,    /* the state folder cannot be used, or a file in it is damaged */
+
+  /* Any of the three. */
+  VMKMGMT_SIM_BAD_ARGUMENT = 0x0BAD1020, /* a null address, or a cookie that is not 0 */
+  VMKMGMT_SIM_BAD_HANDLE = 0x0BAD1021,   /* not an open handle: never opened, or destroyed */
+  VMKMGMT_SIM_INTERNAL = 0x0BAD1022,     /* the simulator ran out of memory or of another resource */
+
+  /* vmk_MgmtUserCallbackInvokeInt. */
+  VMKMGMT_SIM_BAD_INSTANCE = 0x0BAD1030,     /* the instance is not 0 */
+  VMKMGMT_SIM_UNKNOWN_CALLBACK = 0x0BAD1031, /* the driver has no callback of this id */
+  VMKMGMT_SIM_BAD_COUNT = 0x0BAD1032         /* not the callback's number of parameters */
+} vmkmgmt_sim_platform_status;
+
+/* Driver statuses: the header's status word after a callback. */
+typedef enum vmkmgmt_sim_driver_status {
+  VMKMGMT_SIM_DRIVER_OK = 0,
+  VMKMGMT_SIM_DRIVER_NO_SUCH_PORT = 0x0BAD0003,       /* no discovered port at this index; no port of this WWN */
+  VMKMGMT_SIM_DRIVER_NOT_SUPPORTED = 0x0BAD0020,      /* neither by this driver nor, perhaps, by this generation of adapter */
+  VMKMGMT_SIM_DRIVER_BUSY = 0x0BAD0039,               /* ask again later */
+  VMKMGMT_SIM_DRIVER_INDEX_OUT_OF_RANGE = 0x0BAD005D, /* the port list ends before this index */
+  VMKMGMT_SIM_DRIVER_NO_SUCH_BOARD = 0x0BAD0201,      /* no adapter has this driver board number */
+  VMKMGMT_SIM_DRIVER_NOT_READY = 0x0BAD0202,          /* the adapter's firmware does not run */
+  VMKMGMT_SIM_DRIVER_STATE_NOT_SAVED = 0x0BAD0203,    /* the state folder failed; what it held before still stands */
+  VMKMGMT_SIM_DRIVER_BAD_COMMAND = 0x0BAD0204         /* the callback knows no such sub-command */
+} vmkmgmt_sim_driver_status;
+
+#endif

@@ -1,0 +1,200 @@
+#include "scenario/document.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <functional>
+#include <set>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validation_results.hpp>
+#include <valijson/validator.hpp>
+#include <vector>
+
+#include "scenario/embedded.h"
+
+namespace simulator::scenario {
+namespace {
+
+using nlohmann::json;
+
+std::string member_path(const std::string& object, const std::string& key) { return object.empty() ? key : object + "." + key; }
+std::string item_path(const std::string& array, std::size_t index) { return fmt::format("{}[{}]", array, index); }
+
+// "FILE:LINE:COLUMN" of a byte, counted from 1.
+std::string position(std::string_view file, std::string_view text, std::size_t byte) {
+  const std::string_view before = text.substr(0, byte);
+  const auto line = 1 + std::ranges::count(before, '\n');
+  const auto line_start = before.rfind('\n');
+  const std::size_t column = line_start == before.npos ? before.size() + 1 : before.size() - line_start;
+  return fmt::format("{}:{}:{}", file, line, column);
+}
+
+// The parser's own words without its "[code] parse error at POSITION: ".
+std::string reason(const json::exception& error) {
+  const std::string_view what = error.what();
+  const auto position_end = what.find(": ");
+  const auto code_end = what.find("] ");
+  return std::string(what.substr((position_end != what.npos ? position_end : code_end) + 2));
+}
+
+// Follows the parser and refuses a key that stands twice in one object, where the parser itself would keep the last.
+class KeyWatch {
+ public:
+  explicit KeyWatch(std::string_view file) : file_(file) {}
+
+  bool operator()(int, json::parse_event_t event, const json& parsed) {
+    switch (event) {
+      case json::parse_event_t::object_start: open(false); break;
+      case json::parse_event_t::array_start: open(true); break;
+      case json::parse_event_t::key: enter(parsed.get<std::string>()); break;
+      case json::parse_event_t::object_end:
+      case json::parse_event_t::array_end:
+        levels_.pop_back();
+        next();
+        break;
+      case json::parse_event_t::value: next(); break;
+    }
+    return true;
+  }
+
+  // Of the value that the parser is at.
+  std::string path() const { return levels_.empty() ? "" : levels_.back().child(); }
+
+ private:
+  struct Level {
+    std::string path;  // of the object or array itself
+    bool is_array;
+    std::size_t index = 0;
+    std::string key;
+    std::set<std::string> keys;
+
+    std::string child() const { return is_array ? item_path(path, index) : member_path(path, key); }
+  };
+
+  void open(bool is_array) { levels_.push_back({path(), is_array}); }
+  void next() {
+    if (!levels_.empty()) ++levels_.back().index;
+  }
+  void enter(std::string key) {
+    Level& object = levels_.back();
+    object.key = std::move(key);
+    if (!object.keys.insert(object.key).second) throw ScenarioError::at(file_, object.child(), "stands twice in its object");
+  }
+
+  std::string_view file_;
+  std::vector<Level> levels_;
+};
+
+json parse(std::string_view file, std::string_view text) {
+  KeyWatch watch(file);
+  try {
+    return json::parse(text, std::ref(watch));
+  } catch (const json::parse_error& error) {
+    // The parser names the byte after the one at fault, counted from 1.
+    throw ScenarioError(fmt::format("{}: {}", position(file, text, error.byte == 0 ? 0 : error.byte - 1), reason(error)));
+  } catch (const json::out_of_range& error) {
+    throw ScenarioError::at(file, watch.path(), reason(error));
+  }
+}
+
+const json& schema_document() {
+  static const json document = json::parse(kSchemaText);
+  return document;
+}
+
+const json& resolve(const json& node) {
+  const auto reference = node.find("$ref");
+  if (reference == node.end()) return node;
+  return schema_document().at(json::json_pointer(reference->get<std::string>().substr(1)));
+}
+
+// The schema of a member; null for one that the schema does not know.
+const json* member_schema(const json& schema, const std::string& key) {
+  const json& members = schema.at("properties");
+  return members.contains(key) ? &resolve(members[key]) : nullptr;
+}
+
+std::string expected(const json& schema) { return "expected " + schema.at("description").get<std::string>(); }
+
+std::string member_names(const json& schema) {
+  std::vector<std::string> names;
+  for (const auto& member : schema.at("properties").items()) names.push_back(member.key());
+  return fmt::format("{}", fmt::join(names, ", "));
+}
+
+std::string shown(const json& value) {
+  constexpr std::size_t kLongest = 60;
+  if (value.is_object()) return "an object";
+  if (value.is_array()) return "a list";
+  const std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
+  return text.size() <= kLongest ? text : text.substr(0, kLongest) + "...";
+}
+
+// Says what is wrong with a value that its schema refuses, in the schema's own words.
+ScenarioError refusal(std::string_view file, const std::string& path, const json& value, const json& schema) {
+  const bool object_wanted = schema.at("type") == "object";
+  if (!object_wanted || !value.is_object()) {
+    return ScenarioError::at(file, path, fmt::format("{}, found {}", expected(schema), shown(value)));
+  }
+  for (const auto& [key, member] : value.items()) {
+    if (member_schema(schema, key) != nullptr) continue;
+    return ScenarioError::at(file, member_path(path, key), "unknown field; expected one of " + member_names(schema));
+  }
+  for (const json& key : schema.value("required", json::array())) {
+    if (value.contains(key)) continue;
+    const json& member = *member_schema(schema, key);
+    return ScenarioError::at(file, member_path(path, key), "missing; " + expected(member));
+  }
+  return ScenarioError::at(file, path, expected(schema));
+}
+
+// Finds the value that an error is about. A context is "<root>", "[adapters]", "[1]", "[wwpn]".
+ScenarioError describe(std::string_view file, const json& document, const std::vector<std::string>& context) {
+  std::string path;
+  const json* value = &document;
+  const json* schema = &schema_document();
+  for (std::size_t step = 1; step < context.size(); ++step) {
+    const std::string name = context[step].substr(1, context[step].size() - 2);
+    if (value->is_array()) {
+      const std::size_t index = std::stoul(name);
+      path = item_path(path, index);
+      value = &value->at(index);
+      schema = &resolve(schema->at("items"));
+    } else {
+      path = member_path(path, name);
+      value = &value->at(name);
+      schema = member_schema(*schema, name);
+    }
+  }
+  return refusal(file, path, *value, *schema);
+}
+
+void check(std::string_view file, const json& document) {
+  valijson::Schema schema;
+  valijson::SchemaParser parser;
+  parser.populateSchema(valijson::adapters::NlohmannJsonAdapter(schema_document()), schema);
+
+  valijson::Validator validator(valijson::Validator::kStrongTypes);
+  valijson::ValidationResults results;
+  if (validator.validate(schema, valijson::adapters::NlohmannJsonAdapter(document), &results)) return;
+
+  // Of a chain of errors the first is the innermost.
+  throw describe(file, document, results.begin()->context);
+}
+
+}  // namespace
+
+ScenarioError ScenarioError::at(std::string_view file, std::string_view path, std::string_view problem) {
+  if (path.empty()) return ScenarioError(fmt::format("{}: {}", file, problem));
+  return ScenarioError(fmt::format("{}: {}: {}", file, path, problem));
+}
+
+json read_document(std::string_view file, std::string_view text) {
+  json document = parse(file, text);
+  check(file, document);
+  return document;
+}
+
+}  // namespace simulator::scenario
