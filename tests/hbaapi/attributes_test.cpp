@@ -2,6 +2,7 @@
 #include <bit>
 #include <cstring>
 #include <numeric>
+#include <ostream>
 
 #include "support/library_test.h"
 #include "transport/board_table.h"
@@ -136,6 +137,9 @@ struct ListQuery {
   std::uint32_t of_the_other;   // what the other query takes for that, and this one does not
   int call_line;
 };
+
+// How a test names its query when it fails.
+void PrintTo(const ListQuery& query, std::ostream* out) { *out << query.function; }
 
 class ListedPortTest : public AttributesTest, public ::testing::WithParamInterface<ListQuery> {
  protected:
