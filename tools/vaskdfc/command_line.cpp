@@ -1,0 +1,151 @@
+#include "command_line.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+#include <vaskdfc/info.h>
+
+#include <cstdio>
+#include <iostream>
+
+#include "decode.h"
+#include "driver_calls.h"
+#include "log_help.h"
+
+namespace vaskdfc::tool {
+namespace {
+
+constexpr const char* kExitCodes =
+    "EXIT CODES\n"
+    "  0  done\n"
+    "  1  the operation failed\n"
+    "  2  wrong usage\n"
+    "  3  no adapter or no driver\n";
+
+constexpr const char* kExamples =
+    "EXAMPLES\n"
+    "  vaskdfc list\n"
+    "  vaskdfc show 0\n"
+    "  vaskdfc show 10:00:00:11:22:33:44:55 -o json\n"
+    "  vaskdfc COMMAND --help\n\n";
+
+std::string examples_text(const std::vector<std::string>& examples) {
+  return fmt::format("EXAMPLES\n  {}\n\n", fmt::join(examples, "\n  "));
+}
+
+void show_driver_call(const DriverCall& call) {
+  std::cerr << fmt::format("driver call {}: board {}, platform status 0x{:x}, driver status 0x{:x}, {} us\n", call.callback,
+                           call.header.brdno, call.platform_status, call.header.status, call.duration.count());
+}
+
+Form form_named(const std::string& name) {
+  static const std::map<std::string, Form> forms{
+      {"table", Form::kTable}, {"json", Form::kJson}, {"csv", Form::kCsv}, {"keyvalue", Form::kKeyValue}};
+  const auto form = forms.find(name);
+  if (form != forms.end()) return form->second;
+  throw CLI::ValidationError("--output", fmt::format("\"{}\" is none of table, json, csv, keyvalue", name));
+}
+
+std::string version_text() {
+  char library[DFC_LIB_VERSION_BYTES];
+  DFC_GetLibVer(library);
+  return fmt::format("vaskdfc {}, library {}", VASKDFC_TOOL_VERSION, library);
+}
+
+}  // namespace
+
+void Context::print(const Report& report) const {
+  std::cout << render(report, options_.output) << std::flush;
+  if (std::cout) return;
+  Failure failure;
+  failure.message = "the output cannot be written";
+  failure.hint = "check that there is room where standard output goes";
+  throw failure;
+}
+
+void Context::report_failure(const Failure& failure) {
+  std::cerr << render_failure(failure, options_.output.form);
+  exit_ = failure.exit;
+}
+
+void Context::remark(const std::string& text) const { std::cerr << "vaskdfc: " << text_of(text) << "\n"; }
+
+bool Context::may_send(const std::string& request) const {
+  if (options_.dry_run) remark("dry run: would " + request);
+  return !options_.dry_run;
+}
+
+bool Context::may_change(const std::string& change) const {
+  if (!may_send(change)) return false;
+  if (options_.yes) return true;
+  if (isatty(STDIN_FILENO) == 0) {
+    throw usage_failure(fmt::format("not asked to {}: standard input is no terminal", change),
+                        "add --yes to go ahead without asking");
+  }
+  std::cerr << fmt::format("About to {}. Go ahead? [y/N] ", text_of(change)) << std::flush;
+  std::string answer;
+  std::getline(std::cin, answer);
+  if (answer == "y" || answer == "Y" || answer == "yes") return true;
+  throw declined_failure(fmt::format("did not {}: the answer was not yes", change));
+}
+
+std::uint32_t number_argument(const std::string& name, const std::string& spelling, std::uint32_t most) {
+  if (const auto number = parse_number(spelling, most)) return *number;
+  throw usage_failure(fmt::format("{}: \"{}\" is no number from 0 to {}", name, spelling, most),
+                      "numbers are decimal, or hexadecimal with 0x");
+}
+
+CommandLine::CommandLine() : app_("Diagnostics and management of Fibre Channel and FCoE host bus adapters.", "vaskdfc") {
+  app_.add_option_function<std::string>(
+          "-o,--output", [this](const std::string& name) { options_.output.form = form_named(name); },
+          "Form of output: table (default), json, csv, keyvalue")
+      ->type_name("FORM");
+  app_.add_flag_callback(
+      "--no-header", [this] { options_.output.header = false; }, "Leave out the titles of tables and the first line of CSV");
+  app_.add_flag("--yes", options_.yes, "Do not ask before something changes");
+  app_.add_flag("--dry-run", options_.dry_run, "Say what would change, and change nothing");
+  app_.add_flag("-v,--verbose", options_.verbose, "Show every call to the driver on standard error");
+  app_.add_option("--log", options_.log_mask, "Explain how the library's log is switched on with this mask")->type_name("MASK");
+  app_.set_version_flag("--version", version_text);
+  app_.require_subcommand(0, 1);
+  app_.footer(std::string("\n") + kExamples + kExitCodes);
+}
+
+CLI::App& CommandLine::add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,
+                           Action action) {
+  CLI::App& command = *app_.add_subcommand(name, summary);
+  command.fallthrough();  // global options may follow the command
+  command.footer("Global options, which \"vaskdfc --help\" lists, may follow as well.\n\n" + examples_text(examples) + kExitCodes);
+  command.callback([this, action = std::move(action)] { action_ = action; });
+  return command;
+}
+
+int CommandLine::run(int argc, const char* const* argv) {
+  try {
+    app_.parse(argc, argv);
+  } catch (const CLI::Success& help_or_version) {
+    return app_.exit(help_or_version);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << render_failure(usage_failure(error.what(), "vaskdfc --help, or vaskdfc COMMAND --help"), options_.output.form);
+    return static_cast<int>(Exit::kUsage);
+  }
+  return static_cast<int>(run_action());
+}
+
+Exit CommandLine::run_action() {
+  Context context(options_);
+  if (options_.verbose) on_driver_call(show_driver_call);
+  try {
+    if (options_.log_mask) {
+      explain_log(context, *options_.log_mask);
+    } else if (action_) {
+      action_(context);
+    } else {
+      throw usage_failure("no command", "vaskdfc --help lists the commands");
+    }
+  } catch (const Failure& failure) {
+    context.report_failure(failure);
+  }
+  return context.exit();
+}
+
+}  // namespace vaskdfc::tool

@@ -1,0 +1,79 @@
+// The command line: global options, and the commands that the families register.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "failure.h"
+#include "output.h"
+
+namespace vaskdfc::tool {
+
+struct Options {
+  OutputOptions output;
+  bool yes = false;
+  bool dry_run = false;
+  bool verbose = false;
+  std::optional<std::string> log_mask;  // what was asked about the log
+};
+
+// What a command works with.
+class Context {
+ public:
+  explicit Context(const Options& options) : options_(options) {}
+
+  const Options& options() const { return options_; }
+  // Writes a report to standard output.
+  void print(const Report& report) const;
+  // Writes a failure to standard error and remembers it for the exit code, for commands that carry on.
+  void report_failure(const Failure& failure);
+  // A remark on standard error.
+  void remark(const std::string& text) const;
+  // Before a request that does no harm. False in a dry run, which then says what would have been done.
+  bool may_send(const std::string& request) const;
+  // Before a change: asks the user first. Throws a Failure when the answer is no or when there is nobody to ask.
+  bool may_change(const std::string& change) const;
+
+  Exit exit() const { return exit_; }
+
+ private:
+  const Options& options_;
+  Exit exit_ = Exit::kDone;
+};
+
+using Action = std::function<void(Context&)>;
+
+class CommandLine {
+ public:
+  CommandLine();
+
+  // Adds a command. Its arguments are added to what this returns; `action` runs when the command was given.
+  CLI::App& add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples, Action action);
+
+  // Runs the command that the arguments name and returns the exit code.
+  int run(int argc, const char* const* argv);
+
+ private:
+  Exit run_action();
+
+  CLI::App app_;
+  Options options_;
+  Action action_;
+};
+
+// An argument that is a number; a Failure names the argument and what it may be.
+std::uint32_t number_argument(const std::string& name, const std::string& spelling, std::uint32_t most = UINT32_MAX);
+
+// How help texts describe the argument that names an adapter.
+inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN in any usual spelling";
+
+// The commands of each family.
+void add_info_commands(CommandLine& commands);
+void add_hbaapi_commands(CommandLine& commands);
+void add_state_commands(CommandLine& commands);
+
+}  // namespace vaskdfc::tool

@@ -1,0 +1,9 @@
+#include "command_line.h"
+
+int main(int argc, char** argv) {
+  vaskdfc::tool::CommandLine commands;
+  add_hbaapi_commands(commands);
+  add_info_commands(commands);
+  add_state_commands(commands);
+  return commands.run(argc, argv);
+}
