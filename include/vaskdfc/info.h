@@ -1,5 +1,5 @@
 /*
- * Revisions, driver information, kernel messages.
+ * Revisions, driver information, kernel messages and test events.
  */
 #ifndef VASKDFC_INFO_H
 #define VASKDFC_INFO_H
@@ -130,6 +130,18 @@ uint32_t ModInfo(dfc_module_info* info);
  * Driver callback: TREL_MGMT_LOG_MSG.
  */
 uint32_t LogMsg(const dfc_kernel_message* message);
+
+/**
+ * Asks the driver to raise a test event.
+ *
+ * @param board   board index
+ * @param first   first test value
+ * @param second  second test value
+ * @return 0, or the platform's status, or the driver's
+ *
+ * Driver callback: TREL_MGMT_EVENT_TEST.
+ */
+uint32_t EventTest(uint32_t board, uint32_t first, uint32_t second);
 
 #pragma GCC visibility pop
 

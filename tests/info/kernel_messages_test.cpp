@@ -48,5 +48,23 @@ TEST_F(KernelMessagesTest, leaves_what_a_failing_driver_wrote) {
   EXPECT_EQ(info->bytes[2], 3);
 }
 
+TEST_F(KernelMessagesTest, raises_a_test_event_with_both_values) {
+  start_log();
+  map_board(1, 4);
+  driver.expect({.callback = Callback::kEventTest, .sent = {.brdno = 4, .arg4 = 22, .arg6 = 11}});
+
+  EXPECT_EQ(EventTest(1, 11, 22), 0u);
+  EXPECT_EQ(log(),
+            "2023-11-14T22:13:20                 EventTest:  116 call: TREL_MGMT_EVENT_TEST id[4711:4712]\n"
+            "2023-11-14T22:13:20                 EventTest:  120 cmd ok:          TREL_MGMT_EVENT_TEST brd[1] id[4711:4712]\n");
+}
+
+TEST_F(KernelMessagesTest, returns_the_status_of_a_refused_event) {
+  driver.expect({.callback = Callback::kEventTest, .driver_status = 0x0BAD0011});
+  EXPECT_EQ(EventTest(0, 0, 0), 0x0BAD0011u);
+  driver.expect({.callback = Callback::kEventTest, .platform_status = 2, .driver_status = 0x0BAD0011});
+  EXPECT_EQ(EventTest(0, 0, 0), 2u);
+}
+
 }  // namespace
 }  // namespace vaskdfc

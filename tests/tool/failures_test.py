@@ -7,7 +7,7 @@ import pty
 import tool
 
 BUSY = "0x0BAD0039"
-HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "set-state", "refresh"]
+HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test", "set-state", "refresh"]
 
 
 def fault(callback, **fields):
@@ -22,6 +22,7 @@ class Usage(tool.ToolTest):
         cases = [([], "no command"), (["no-such"], "no-such"), (["show"], "ADAPTER"), (["show", "zz"], '"zz"'),
                  (["show", "10:00:00:5a:41:56:03"], "10:00:00:5a:41:56:03"), (["list", "-o", "xml"], "xml"),
                  (["set-state", "0", "4"], '"4"'), (["set-state", "0", "6"], '"6"'), (["set-state", "0", "x"], '"x"'),
+                 (["event-test", "0", "0x100000000"], "FIRST"), (["event-test", "0", "1", "-"], "SECOND"),
                  (["log-message", "m" * 64], "64 bytes"), (["ports", "0", "--index", "x"], "--index"),
                  (["ports", "0", "--wwn", "10:00"], "--wwn"), (["ports", "0", "--discovered", "--index", "1"], "--index"),
                  (["--log", "verbose"], "--log")]
@@ -138,6 +139,7 @@ class Failing(tool.ToolTest):
                  (["ports", "0", "--wwn", unknown_wwn], "TREL_MGMT_HBA_WWPNPORTATTRIBUTES", "GetPortAttributesByWWN", 1, "HBA_STATUS_ERROR"),
                  (["refresh", "0"], "TREL_MGMT_HBA_REFRESHINFO", "RefreshInformation", 1, "HBA_STATUS_ERROR"),
                  (["log-message", "x"], "TREL_MGMT_LOG_MSG", "LogMsg", 0x0BAD0039, None),
+                 (["event-test", "0"], "TREL_MGMT_EVENT_TEST", "EventTest", 0x0BAD0039, None),
                  (["set-state", "0", "1", "--yes"], "TREL_MGMT_SETDIAG", "SetBrdEnv", 0, None),
                  (["set-state", "all", "1", "--yes"], "TREL_MGMT_SETDIAG", "SetDiagEnv", 0, None)]
         for arguments, callback, operation, code, name in cases:
@@ -193,6 +195,7 @@ class Changes(tool.ToolTest):
         cases = [(["set-state", "0", "1"], "TREL_MGMT_SETDIAG", "set adapter 0 to mode 1"),
                  (["set-state", "all", "3"], "TREL_MGMT_SETDIAG", "set all adapters to mode 3"),
                  (["refresh", "0"], "TREL_MGMT_HBA_REFRESHINFO", "adapter 0"),
+                 (["event-test", "0", "7", "8"], "TREL_MGMT_EVENT_TEST", "values 7 and 8 on adapter 0"),
                  (["log-message", "hello"], "TREL_MGMT_LOG_MSG", '"hello"')]
         for arguments, callback, words in cases:
             with self.subTest(arguments):
@@ -257,9 +260,9 @@ class Changes(tool.ToolTest):
         self.assertEqual(result.stderr.count("waiting while driver board 5 reports state 2"), 1)
 
     def test_verbose_shows_every_call(self):
-        result = tool.run("refresh", "1", "-v")
+        result = tool.run("event-test", "1", "-v")
         self.assertEqual(sum(line.startswith("driver call 122: ") for line in result.stderr.splitlines()), 32)
-        self.assertRegex(result.stderr, r"driver call 326: board 3, platform status 0x0, driver status 0x0, \d+ us\n")
+        self.assertRegex(result.stderr, r"driver call 98: board 3, platform status 0x0, driver status 0x0, \d+ us\n")
 
 
 if __name__ == "__main__":

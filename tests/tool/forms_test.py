@@ -15,6 +15,7 @@ COMMANDS = [
     (["ports", "2", "--discovered"], "ports"),
     (["version"], "version"),
     (["log-message", "cable 7 replaced"], "log-message"),
+    (["event-test", "0", "7", "0x20"], "event-test"),
     (["set-state", "0", "0"], "set-state"),
     (["set-state", "0", "1", "--yes"], "set-state"),
     (["set-state", "all", "0"], "set-state"),

@@ -1,4 +1,4 @@
-// Commands about the library and the driver: version, log-message.
+// Commands about the library and the driver: version, log-message, event-test.
 #include <fmt/format.h>
 #include <vaskdfc.h>
 
@@ -104,6 +104,34 @@ void log_message(Context& context, const std::string& text) {
                                    {{"text", "Text", text_cell(text_of(message.text))}, {"sent", "Sent", flag_cell(sends)}})}});
 }
 
+// --- event-test
+
+struct EventArguments {
+  std::string adapter;
+  std::string first = "0";
+  std::string second = "0";
+};
+
+void event_test(Context& context, const EventArguments& arguments) {
+  const std::uint32_t first = number_argument("FIRST", arguments.first);
+  const std::uint32_t second = number_argument("SECOND", arguments.second);
+  const Session session;
+  const std::uint32_t adapter = session.find(arguments.adapter);
+  const bool sends =
+      context.may_send(fmt::format("raise a test event with values {} and {} on adapter {}", first, second, adapter));
+  if (sends) {
+    watch_driver_calls();
+    const std::uint32_t result = EventTest(adapter, first, second);
+    if (result != 0) throw operation_failure("the test event cannot be raised", adapter, "EventTest", Results::kStatus, result);
+  }
+  context.print({.command = "event-test",
+                 .sections = {record_section("event", "Event",
+                                             {{"adapter", "Adapter", number_cell(adapter)},
+                                              {"first", "First value", number_cell(first)},
+                                              {"second", "Second value", number_cell(second)},
+                                              {"sent", "Sent", flag_cell(sends)}})}});
+}
+
 }  // namespace
 
 void add_info_commands(CommandLine& commands) {
@@ -116,6 +144,14 @@ void add_info_commands(CommandLine& commands) {
            [text](Context& context) { log_message(context, *text); })
       .add_option("TEXT", *text, "Message, at most 63 bytes")
       ->required();
+
+  auto arguments = std::make_shared<EventArguments>();
+  CLI::App& command =
+      commands.add("event-test", "Ask the driver to raise a test event", {"vaskdfc event-test 0", "vaskdfc event-test 0 7 0x20"},
+                   [arguments](Context& context) { event_test(context, *arguments); });
+  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
+  command.add_option("FIRST", arguments->first, "First test value, 0 if left out");
+  command.add_option("SECOND", arguments->second, "Second test value, 0 if left out");
 }
 
 }  // namespace vaskdfc::tool
