@@ -133,11 +133,12 @@ class Failing(tool.ToolTest):
 
     def test_every_operation_that_fails_is_named_with_its_statuses(self):
         unknown_wwn = "50:00:00:00:00:00:09:99"
-        cases = [(["ports", "0"], "TREL_MGMT_HBA_PORTATTRIBUTES", "GetAdapterPortAttributes", 1, "HBA_STATUS_ERROR"),
-                 (["ports", "0", "--discovered"], "TREL_MGMT_HBA_DISCPORTATTRIBUTES", "GetDiscoveredPortAttributes", 1, "HBA_STATUS_ERROR"),
-                 (["ports", "0", "--index", "0"], "TREL_MGMT_HBA_INDEXPORTATTRIBUTES", "GetPortAttributesByIndex", 1, "HBA_STATUS_ERROR"),
-                 (["ports", "0", "--wwn", unknown_wwn], "TREL_MGMT_HBA_WWPNPORTATTRIBUTES", "GetPortAttributesByWWN", 1, "HBA_STATUS_ERROR"),
-                 (["refresh", "0"], "TREL_MGMT_HBA_REFRESHINFO", "RefreshInformation", 1, "HBA_STATUS_ERROR"),
+        failed = "HBA_STATUS_ERROR"
+        cases = [(["ports", "0"], "TREL_MGMT_HBA_PORTATTRIBUTES", "GetAdapterPortAttributes", 1, failed),
+                 (["ports", "0", "--discovered"], "TREL_MGMT_HBA_DISCPORTATTRIBUTES", "GetDiscoveredPortAttributes", 1, failed),
+                 (["ports", "0", "--index", "0"], "TREL_MGMT_HBA_INDEXPORTATTRIBUTES", "GetPortAttributesByIndex", 1, failed),
+                 (["ports", "0", "--wwn", unknown_wwn], "TREL_MGMT_HBA_WWPNPORTATTRIBUTES", "GetPortAttributesByWWN", 1, failed),
+                 (["refresh", "0"], "TREL_MGMT_HBA_REFRESHINFO", "RefreshInformation", 1, failed),
                  (["log-message", "x"], "TREL_MGMT_LOG_MSG", "LogMsg", 0x0BAD0039, None),
                  (["event-test", "0"], "TREL_MGMT_EVENT_TEST", "EventTest", 0x0BAD0039, None),
                  (["set-state", "0", "1", "--yes"], "TREL_MGMT_SETDIAG", "SetBrdEnv", 0, None),
@@ -245,7 +246,8 @@ class Changes(tool.ToolTest):
     def test_all_adapters_are_set_in_order_until_one_fails(self):
         path = self.scenario(tool.adapter(2), tool.adapter(5))
         states = self.json_of("set-state", "set-state", "all", "3", "--yes", VMKMGMT_SIM_SCENARIO=path)["states"]
-        self.assertEqual([(record["driver_board"], record["set"], record["state"]) for record in states], [(2, True, 4), (5, True, 4)])
+        self.assertEqual([(record["driver_board"], record["set"], record["state"]) for record in states],
+                         [(2, True, 4), (5, True, 4)])
 
         result, calls = self.traced("set-state", "all", "3", "--yes", callback="TREL_MGMT_SETDIAG")
         self.assert_exit(result, 1)  # the last of the built-in adapters has failed

@@ -104,7 +104,8 @@ class Contents(tool.ToolTest):
     def test_list_shows_every_adapter_with_its_driver_board(self):
         adapters = self.json_of("list", "list")["adapters"]
         self.assertEqual([(record["index"], record["driver_board"], record["state"], record["sli_mode"]) for record in adapters],
-                         [(0, 1, "online", 4), (1, 3, "online", 4), (2, 4, "link down", 4), (3, 7, "online", 3), (4, 12, "error", 3)])
+                         [(0, 1, "online", 4), (1, 3, "online", 4), (2, 4, "link down", 4), (3, 7, "online", 3),
+                          (4, 12, "error", 3)])
         self.assertEqual({record["problem"] for record in adapters}, {None})
 
     def test_show_decodes_what_the_driver_says(self):
@@ -119,7 +120,8 @@ class Contents(tool.ToolTest):
 
     def test_an_adapter_goes_by_its_index_or_its_wwn_in_any_spelling(self):
         bare = ADAPTER_WWN.replace(":", "")
-        for name in ["1", "0x1", ADAPTER_WWN, ADAPTER_WWN.upper(), ADAPTER_WWN.replace(":", "-"), bare, f"0x{bare}", f"0X{bare.upper()}"]:
+        for name in ["1", "0x1", ADAPTER_WWN, ADAPTER_WWN.upper(), ADAPTER_WWN.replace(":", "-"), bare, f"0x{bare}",
+                     f"0X{bare.upper()}"]:
             self.assertEqual(self.json_of("show", "show", name)["adapter"]["index"], 1, name)
 
     def test_ports_are_found_in_all_three_ways(self):

@@ -16,7 +16,8 @@ EXPECTED = pathlib.Path(__file__).resolve().parent / "expected/list.log"
 SKIPPED = 77
 
 # Everything of a line that differs from run to run; its form is checked all the same.
-VARYING = [(r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d  ", "TIME  "), (r" id\[\d+:\d+\]$", " id[PID:TID]"), (r"handle\[0x[0-9a-f]+\]", "handle[HANDLE]")]
+VARYING = [(r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d  ", "TIME  "), (r" id\[\d+:\d+\]$", " id[PID:TID]"),
+           (r"handle\[0x[0-9a-f]+\]", "handle[HANDLE]")]
 
 IN_NAMESPACE = """
 mount -t tmpfs none /scratch && mkdir /scratch/log && echo 'LogLevel 0xf' > /scratch/libvaskdfc.conf || exit 77
