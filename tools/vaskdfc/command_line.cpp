@@ -56,10 +56,7 @@ std::string version_text() {
 void Context::print(const Report& report) const {
   std::cout << render(report, options_.output) << std::flush;
   if (std::cout) return;
-  Failure failure;
-  failure.message = "the output cannot be written";
-  failure.hint = "check that there is room where standard output goes";
-  throw failure;
+  throw plain_failure(Exit::kFailed, "the output cannot be written", "check that there is room where standard output goes");
 }
 
 void Context::report_failure(const Failure& failure) {
@@ -85,7 +82,7 @@ bool Context::may_change(const std::string& change) const {
   std::string answer;
   std::getline(std::cin, answer);
   if (answer == "y" || answer == "Y" || answer == "yes") return true;
-  throw declined_failure(fmt::format("did not {}: the answer was not yes", change));
+  throw plain_failure(Exit::kFailed, fmt::format("did not {}: the answer was not yes", change));
 }
 
 std::uint32_t number_argument(const std::string& name, const std::string& spelling, std::uint32_t most) {

@@ -138,11 +138,10 @@ void tell_who_was_left_alone(Context& context, const std::vector<Outcome>& outco
     if (!outcome.is_set) left_alone.push_back(outcome.adapter);
   }
   if (left_alone.empty()) return;
-  Failure failure;
-  failure.message =
-      fmt::format("not set, because it has failed or follows one in state 0: adapter {}", fmt::join(left_alone, ", "));
-  failure.hint = "\"vaskdfc list\" shows the states of the ports";
-  context.report_failure(failure);
+  context.report_failure(plain_failure(
+      Exit::kFailed,
+      fmt::format("not set, because it has failed or follows one in state 0: adapter {}", fmt::join(left_alone, ", ")),
+      "\"vaskdfc list\" shows the states of the ports"));
 }
 
 Section section_of(const std::vector<Outcome>& outcomes, std::uint32_t mode) {

@@ -71,18 +71,16 @@ std::string result_name(Results family, std::uint32_t result) {
   return "";
 }
 
-Failure usage_failure(std::string message, std::string hint) {
+Failure plain_failure(Exit exit, std::string message, std::string hint) {
   Failure failure;
   failure.message = std::move(message);
   failure.hint = std::move(hint);
-  failure.exit = Exit::kUsage;
+  failure.exit = exit;
   return failure;
 }
 
-Failure declined_failure(std::string message) {
-  Failure failure;
-  failure.message = std::move(message);
-  return failure;
+Failure usage_failure(std::string message, std::string hint) {
+  return plain_failure(Exit::kUsage, std::move(message), std::move(hint));
 }
 
 Failure operation_failure(std::string message, std::optional<std::uint32_t> adapter, std::string operation, Results results,

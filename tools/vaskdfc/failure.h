@@ -33,9 +33,9 @@ struct Failure : std::exception {
   const char* what() const noexcept override { return message.c_str(); }
 };
 
+// A failure of the tool's own, without an operation of the library behind it.
+Failure plain_failure(Exit exit, std::string message, std::string hint = "");
 Failure usage_failure(std::string message, std::string hint = "");
-// The user was asked and said no.
-Failure declined_failure(std::string message);
 
 // An operation on an adapter that returned `result`; the driver call that failed last, or else the
 // last one, tells the statuses.

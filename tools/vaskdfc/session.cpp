@@ -7,14 +7,6 @@
 namespace vaskdfc::tool {
 namespace {
 
-Failure nothing_there(std::string message, std::string hint) {
-  Failure failure;
-  failure.message = std::move(message);
-  failure.hint = std::move(hint);
-  failure.exit = Exit::kNoAdapter;
-  return failure;
-}
-
 // What may name an adapter here, for people who named none of them.
 std::string existing_adapters(std::uint32_t count) {
   std::string names;
@@ -33,12 +25,12 @@ Session::Session(Needs needs) {
   count_ = DFC_InitDiagEnv(boards_.data(), DFC_MAX_BOARDS);
   // Discovery asks the driver for every board, so a library that made no call has not reached a driver.
   if (!last_driver_call()) {
-    throw nothing_there("no driver: the management interface cannot be opened",
+    throw plain_failure(Exit::kNoAdapter, "no driver: the management interface cannot be opened",
                         "check that the driver is loaded and of this library's version");
   }
   if (count_ == 0 && needs == Needs::kAdapter) {
     DFC_FreeDiagEnv();
-    throw nothing_there("no adapter: the driver is there, but knows none that this library supports",
+    throw plain_failure(Exit::kNoAdapter, "no adapter: the driver is there, but knows none that this library supports",
                         "check that the cards are installed");
   }
 }
@@ -57,7 +49,7 @@ std::uint32_t Session::find(const std::string& name) const {
     throw usage_failure(fmt::format("\"{}\" is neither an adapter's index nor a port WWN", name),
                         "name an adapter as in: 0, 10:00:00:11:22:33:44:55, 10-00-00-11-22-33-44-55, 0x1000001122334455");
   }
-  throw nothing_there(fmt::format("there is no adapter {}", name), "there are: " + existing_adapters(count_));
+  throw plain_failure(Exit::kNoAdapter, fmt::format("there is no adapter {}", name), "there are: " + existing_adapters(count_));
 }
 
 std::uint32_t last_driver_board() { return last_driver_call()->header.brdno; }
