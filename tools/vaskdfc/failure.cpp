@@ -33,7 +33,7 @@ constexpr std::array kHbaHints{
 // What most often helps, by the result and by the statuses of the call that failed.
 std::string hint_for(const Failure& failure) {
   constexpr std::uint32_t kBusy = 0x0BAD0039;
-  const std::string hint = failure.results == Results::kHba ? name_in(kHbaHints, failure.result.value_or(HBA_STATUS_OK)) : "";
+  std::string hint = failure.results == Results::kHba ? name_in(kHbaHints, failure.result.value_or(HBA_STATUS_OK)) : "";
   if (!hint.empty()) return hint;
   if (!failure.call) return "";
   if (failure.call->platform_status != 0) return "the platform refused the call: check that the driver is still loaded";
