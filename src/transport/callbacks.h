@@ -4,8 +4,10 @@
 
 #include "transport/callback_table.h"
 #include "transport/records/board.h"
+#include "transport/records/fcoe.h"
 #include "transport/records/hbaapi.h"
 #include "transport/records/info.h"
+#include "transport/records/mailbox.h"
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
 
@@ -114,8 +116,8 @@ struct Callbacks : Table<
     Row<Callback::kGetTrelDfcInfo, "TREL_MGMT_GET_TRELDFC_INFO", Out<DriverInfoReply>>,
     Row<Callback::k132, "">,
     Row<Callback::kSetDiag, "TREL_MGMT_SETDIAG">,
-    Row<Callback::kMbox, "TREL_MGMT_MBOX", InOut<Bytes<4096>>, InOut<Bytes<256>>, InOut<Bytes<2057>>>,
-    Row<Callback::kMboxSliCfgExt, "TREL_MGMT_MBOX_SLI_CFG_EXT", InOut<Bytes<4096>>>,
+    Row<Callback::kMbox, "TREL_MGMT_MBOX", InOut<MailboxData>, InOut<Mailbox>, InOut<MailboxExtension>>,
+    Row<Callback::kMboxSliCfgExt, "TREL_MGMT_MBOX_SLI_CFG_EXT", InOut<MailboxData>>,
     Row<Callback::kMboxSliCfgExtSup, "TREL_MGMT_MBOX_SLI_CFG_EXT_SUP">,
     Row<Callback::kInduceDump, "TREL_MGMT_INDUCE_DUMP">,
     Row<Callback::kReset, "TREL_MGMT_RESET">,
@@ -165,10 +167,10 @@ struct Callbacks : Table<
     Row<Callback::kSendCt, "TREL_MGMT_SEND_CT", In<Bytes<245760>>, Out<Bytes<245760>>>,
     Row<Callback::kHbaSendMgmtCmd, "TREL_MGMT_HBA_SEND_MGMT_CMD", In<Bytes<8>>, In<Bytes<245760>>, Out<Bytes<245760>>>,
     Row<Callback::kHbaSendMgmtRsp, "TREL_MGMT_HBA_SEND_MGMT_RSP", In<Bytes<245760>>>,
-    Row<Callback::kHbaIssueDmpMbx, "TREL_MGMT_HBA_ISSUE_DMP_MBX", In<Bytes<12>>, Out<Bytes<4096>>, Out<Bytes<4>>>,
-    Row<Callback::kHbaIssueUpdMbx, "TREL_MGMT_HBA_ISSUE_UPD_MBX", In<Bytes<4096>>, Out<Bytes<4>>>,
+    Row<Callback::kHbaIssueDmpMbx, "TREL_MGMT_HBA_ISSUE_DMP_MBX", In<DumpRequest>, Out<RegionData>, Out<CompletionWord>>,
+    Row<Callback::kHbaIssueUpdMbx, "TREL_MGMT_HBA_ISSUE_UPD_MBX", In<RegionData>, Out<CompletionWord>>,
     Row<Callback::kVportGetNodeInfo, "TREL_MGMT_VPORT_GET_NODE_INFO", In<WwnKey>, Out<Bytes<157700>>>,
-    Row<Callback::kHbaGetFcfList, "TREL_MGMT_HBA_GET_FCF_LIST", Out<Bytes<556>>>,
+    Row<Callback::kHbaGetFcfList, "TREL_MGMT_HBA_GET_FCF_LIST", Out<FcfReply>>,
     Row<Callback::kHbaFcpTargetMapping, "TREL_MGMT_HBA_FCPTARGETMAPPING", Out<Bytes<303108>>>,
     Row<Callback::kLoopbackTest, "TREL_MGMT_LOOPBACK_TEST", In<Bytes<65536>>, Out<Bytes<65536>>>,
     Row<Callback::kLoopbackMode, "TREL_MGMT_LOOPBACK_MODE">,
