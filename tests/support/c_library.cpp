@@ -3,6 +3,7 @@
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdarg>
@@ -34,6 +35,8 @@ extern "C" {
 std::FILE* __real_fopen(const char* path, const char* mode);
 std::FILE* __real_fopen64(const char* path, const char* mode);
 long __real_syscall(long number, ...);
+void* __real_malloc(std::size_t bytes);
+void* __real_calloc(std::size_t count, std::size_t bytes);
 
 std::FILE* __wrap_fopen(const char* path, const char* mode) { return __real_fopen(path, mode); }
 
@@ -62,8 +65,19 @@ long __wrap_syscall(long number, ...) {
 }
 
 unsigned __wrap_sleep(unsigned seconds) {
-  c_library.sleeps.push_back(seconds);
+  c_library.sleeps.push_back("sleep " + std::to_string(seconds));
   return 0;
+}
+
+int __wrap_usleep(useconds_t microseconds) {
+  c_library.sleeps.push_back("usleep " + std::to_string(microseconds));
+  return 0;
+}
+
+void* __wrap_malloc(std::size_t bytes) { return bytes != 0 && bytes == c_library.refused_bytes ? nullptr : __real_malloc(bytes); }
+
+void* __wrap_calloc(std::size_t count, std::size_t bytes) {
+  return bytes != 0 && count * bytes == c_library.refused_bytes ? nullptr : __real_calloc(count, bytes);
 }
 
 // As glibc does it: a name that does not fit fills the buffer without an end, and that is an error.

@@ -1,7 +1,8 @@
-// The C library's border, replaced where a test is linked: clock, sleep, names of process and host, and where the library's
-// files are.
+// The C library's border, replaced where a test is linked: clock, sleep, memory, names of process and host, and where the
+// library's files are.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -14,7 +15,8 @@ struct CLibrary {
   int process_id = 4711;
   long thread_id = 4712;
   std::string host_name = "host-17";
-  std::vector<unsigned> sleeps;           // seconds that the library asked to sleep
+  std::vector<std::string> sleeps;        // what the library asked for, such as "sleep 1" and "usleep 1000"
+  std::size_t refused_bytes = 0;          // allocations of exactly this size fail; 0: none do
   std::filesystem::path scratch;          // stands for /scratch
   std::vector<std::string> opened_files;  // path and mode, in order
 };

@@ -33,13 +33,15 @@ ByteVector bytes_of(const T& record) {
 struct ExpectedCall {
   Callback callback;
   dfc_mgmt_hdr sent{};
-  // Payloads after the header, as the driver must see them; only those that travel to the driver are compared.
+  // Payloads after the header, as the driver must see them from their start on; only those that travel to the driver are
+  // compared, and only as far as they are given here.
   ByteVector sent_payload[3]{};
   std::uint32_t platform_status = 0;
   std::uint32_t driver_status = 0;
   // Header words that the driver changes.
   std::optional<std::uint32_t> arg3{};
   std::optional<std::uint32_t> arg4{};
+  std::optional<std::uint32_t> arg5{};
   // Written to the start of the payloads that travel from the driver.
   ByteVector payload[3]{};
 };

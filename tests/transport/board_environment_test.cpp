@@ -38,7 +38,7 @@ TEST_F(BoardEnvironmentTest, mode_2_asks_once_a_second_until_the_board_leaves_st
 
   EXPECT_EQ(SetBrdEnv(0, 2), 3u);
   EXPECT_EQ(dfc_state[0], 3u);
-  EXPECT_EQ(test::c_library.sleeps, (std::vector<unsigned>{1, 1}));
+  EXPECT_EQ(test::c_library.sleeps, (std::vector<std::string>{"sleep 1", "sleep 1"}));
 }
 
 TEST_F(BoardEnvironmentTest, mode_2_leaves_a_board_alone_that_failed_and_still_reports_state_2) {
