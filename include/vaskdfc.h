@@ -6,6 +6,7 @@
  *   vaskdfc/transport.h      start, stop, board discovery, diagnostic states
  *   vaskdfc/info.h           revisions, driver information, kernel messages
  *   vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
+ *   vaskdfc/mailbox.h        SLI mailboxes, dump and update of configuration regions
  *   vaskdfc/unimplemented.h  entry points that have no function on this platform
  *
  * Conventions that hold everywhere:
@@ -24,6 +25,7 @@
 
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
+#include "vaskdfc/mailbox.h"
 #include "vaskdfc/result.h"
 #include "vaskdfc/transport.h"
 #include "vaskdfc/unimplemented.h"

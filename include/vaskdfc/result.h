@@ -8,6 +8,8 @@
 #define DFC_OK 0u          /* done */
 #define DFC_FAILED 1u      /* the call failed in the platform or in the driver */
 #define DFC_UNSUPPORTED 2u /* not supported here; also the general failure of driver information */
+#define DFC_TOO_SMALL 7u   /* it does not fit: the caller's room, a region, or a record of another version */
+#define DFC_NO_MEMORY 12u  /* memory could not be allocated */
 
 /* The status values of FC-HBA, returned by the operations of vaskdfc/hbaapi.h. */
 #define HBA_STATUS_OK 0u

@@ -132,6 +132,22 @@ void log_destroy_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t co
              refcnt, process_id(), thread_id());
 }
 
+void log_invalid_region(LogSite site, std::uint32_t region) {
+  if (!enabled(kLogError)) return;
+  write_line(LINE_START "ERROR: Invalid region %d\n", Timestamp().text, site.function, site.line, static_cast<int>(region));
+}
+
+void log_record_found(LogSite site, std::uint8_t type) {
+  if (!enabled(kLogError)) return;
+  write_line(LINE_START "ERROR: %02X Found\n", Timestamp().text, site.function, site.line, unsigned{type});
+}
+
+void log_unsupported_sli_mode(LogSite site, std::uint32_t sli_mode) {
+  if (!enabled(kLogError)) return;
+  write_line(LINE_START "ERROR: sliMode %d not supported\n", Timestamp().text, site.function, site.line,
+             static_cast<int>(sli_mode));
+}
+
 void log_init_failure(LogSite site, std::uint32_t platform_status) {
   if (fLogger == nullptr) return;
   write_line(

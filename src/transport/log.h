@@ -36,6 +36,10 @@ void log_ok(LogSite site, const char* callback, std::uint32_t board);
 void log_error(LogSite site, const char* callback, std::uint32_t board, const Outcome& outcome);
 void log_init_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t count);
 void log_destroy_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t count);
+// The "ERROR:" lines.
+void log_invalid_region(LogSite site, std::uint32_t region);
+void log_record_found(LogSite site, std::uint8_t type);
+void log_unsupported_sli_mode(LogSite site, std::uint32_t sli_mode);
 // Written whatever LogLevel says, as long as the log is open.
 void log_init_failure(LogSite site, std::uint32_t platform_status);
 
