@@ -7,6 +7,7 @@
  *   vaskdfc/info.h           revisions, driver information, kernel messages
  *   vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
  *   vaskdfc/mailbox.h        SLI mailboxes, dump and update of configuration regions
+ *   vaskdfc/regions.h        configuration regions 22, 23 and 14, persistent link down
  *   vaskdfc/unimplemented.h  entry points that have no function on this platform
  *
  * Conventions that hold everywhere:
@@ -26,6 +27,7 @@
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
 #include "vaskdfc/mailbox.h"
+#include "vaskdfc/regions.h"
 #include "vaskdfc/result.h"
 #include "vaskdfc/transport.h"
 #include "vaskdfc/unimplemented.h"
