@@ -8,6 +8,7 @@
  *   vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
  *   vaskdfc/mailbox.h        SLI mailboxes, dump and update of configuration regions
  *   vaskdfc/regions.h        configuration regions 22, 23 and 14, persistent link down
+ *   vaskdfc/fcoe.h           FCFs, FCoE parameters, FCF connect list
  *   vaskdfc/unimplemented.h  entry points that have no function on this platform
  *
  * Conventions that hold everywhere:
@@ -24,6 +25,7 @@
 #ifndef VASKDFC_H
 #define VASKDFC_H
 
+#include "vaskdfc/fcoe.h"
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
 #include "vaskdfc/mailbox.h"
