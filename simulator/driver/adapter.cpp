@@ -5,7 +5,10 @@
 namespace simulator {
 
 Adapter::Adapter(const scenario::Adapter& card, StateStore& store)
-    : card_(card), store_(store), name_(fmt::format("adapter-{:02x}.json", fmt::join(card.port.wwpn.wwn, ""))) {
+    : card_(card),
+      store_(store),
+      name_(fmt::format("adapter-{:02x}.json", fmt::join(card.port.wwpn.wwn, ""))),
+      regions_(card, store) {
   state();
 }
 

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <span>
 #include <string>
 
 #include "driver/adapter_state.h"
+#include "driver/regions.h"
 #include "driver/state_store.h"
 #include "scenario/fc_hba.h"
 #include "scenario/scenario.h"
@@ -23,6 +25,10 @@ class Adapter {
   AdapterState state() const;
   AdapterState change(const std::function<void(AdapterState&)>& changes);
 
+  Regions& regions() { return regions_; }
+  // Named byte strings that applications leave with the firmware; they end with the process.
+  std::map<std::string, std::string>& objects() { return objects_; }
+
   // What becomes of the port in a given state.
   fc_hba::PortState port_state(const AdapterState& state) const;
   // The ports that the adapter discovers: none unless it is online.
@@ -34,6 +40,8 @@ class Adapter {
   const scenario::Adapter& card_;
   StateStore& store_;
   std::string name_;  // of what the store holds
+  Regions regions_;
+  std::map<std::string, std::string> objects_;
 };
 
 }  // namespace simulator

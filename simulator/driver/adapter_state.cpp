@@ -26,7 +26,7 @@ struct Reader {
   const std::string& file;
 
   [[noreturn]] void damaged(std::string_view where, std::string_view wanted) const {
-    throw StateError(fmt::format("{}: damaged: {}: expected {}; remove the file to start with fresh state", file, where, wanted));
+    throw StateError::damaged(file, where, wanted);
   }
 
   const json& member(const json& object, const char* key) const {

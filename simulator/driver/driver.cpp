@@ -18,6 +18,10 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
   register_board(door_);
   register_info(door_);
   register_hbaapi(door_);
+  register_mailbox(door_);
+  register_extended_mailbox(door_);
+  register_regions(door_);
+  register_fcoe(door_);
 }
 
 std::uint32_t Driver::invoke(const std::string& interface_name, const vaskdfc::CallbackFacts& callback, dfc_mgmt_hdr& header,

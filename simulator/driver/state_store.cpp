@@ -151,6 +151,10 @@ class FolderStore final : public StateStore {
 
 }  // namespace
 
+StateError StateError::damaged(std::string_view file, std::string_view where, std::string_view wanted) {
+  return StateError(fmt::format("{}: damaged: {}: expected {}; remove the file to start with fresh state", file, where, wanted));
+}
+
 std::unique_ptr<StateStore> memory_store() { return std::make_unique<MemoryStore>(); }
 
 std::unique_ptr<StateStore> folder_store(const std::string& path) { return std::make_unique<FolderStore>(path); }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace simulator {
 
@@ -14,6 +15,8 @@ namespace simulator {
 class StateError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
+  // A file whose content cannot be what was stored: `where` in it something else is wanted.
+  static StateError damaged(std::string_view file, std::string_view where, std::string_view wanted);
 };
 
 class StateStore {

@@ -8,5 +8,9 @@ namespace simulator {
 void register_board(Door& door);
 void register_info(Door& door);
 void register_hbaapi(Door& door);
+void register_mailbox(Door& door);
+void register_extended_mailbox(Door& door);
+void register_regions(Door& door);
+void register_fcoe(Door& door);
 
 }  // namespace simulator

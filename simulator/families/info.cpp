@@ -7,7 +7,9 @@
 #include "driver/driver.h"
 #include "driver/interface.h"
 #include "families/families.h"
+#include "families/interface_generation.h"
 #include "families/text.h"
+#include "vaskdfc/regions.h"
 
 namespace simulator {
 namespace {
@@ -41,15 +43,16 @@ DriverStatus raise_test_event(BoardCall& call) {
   return VMKMGMT_SIM_DRIVER_OK;
 }
 
-// Bits of the feature flags.
+// Bits of the feature flags that applications have no names for.
 constexpr std::uint32_t kFcpInitiator = 0x1;
 constexpr std::uint32_t kNpiv = 0x2;
 constexpr std::uint32_t kFcoe = 0x4;
 
 std::uint32_t features(const scenario::Adapter& card) {
   std::uint32_t flags = kFcpInitiator;
-  if (card.sli_mode >= 4) flags |= kNpiv;
+  if (has_newer_interface(card)) flags |= kNpiv;
   if (card.protocol == scenario::Protocol::kFcoe) flags |= kFcoe;
+  if (card.persistent_link_down) flags |= DFC_FEATURE_PERSISTENT_LINK_DOWN;
   return flags;
 }
 
@@ -69,11 +72,7 @@ DriverStatus driver_information(BoardCall& call, vaskdfc::DriverInfoReply& reply
   return VMKMGMT_SIM_DRIVER_OK;
 }
 
-DriverStatus extended_mailbox_support(BoardCall& call) {
-  const scenario::Adapter& card = call.adapter.card();
-  if (card.sli_mode < 4) return VMKMGMT_SIM_DRIVER_NOT_SUPPORTED;
-  return card.failed ? VMKMGMT_SIM_DRIVER_NOT_READY : VMKMGMT_SIM_DRIVER_OK;
-}
+DriverStatus extended_mailbox_support(BoardCall& call) { return newer_interface(call.adapter); }
 
 }  // namespace
 

@@ -55,7 +55,19 @@ typedef enum vmkmgmt_sim_driver_status {
   VMKMGMT_SIM_DRIVER_NO_SUCH_BOARD = 0x0BAD0201,      /* no adapter has this driver board number */
   VMKMGMT_SIM_DRIVER_NOT_READY = 0x0BAD0202,          /* the adapter's firmware does not run */
   VMKMGMT_SIM_DRIVER_STATE_NOT_SAVED = 0x0BAD0203,    /* the state folder failed; what it held before still stands */
-  VMKMGMT_SIM_DRIVER_BAD_COMMAND = 0x0BAD0204         /* the callback knows no such sub-command */
+  VMKMGMT_SIM_DRIVER_BAD_COMMAND = 0x0BAD0204         /* the callback knows no such sub-command, type, code or size */
 } vmkmgmt_sim_driver_status;
+
+/* How the adapter completes a mailbox: its status halfword, and the completion word of a dump. */
+typedef enum vmkmgmt_sim_mailbox_status {
+  VMKMGMT_SIM_MAILBOX_OK = 0,
+  VMKMGMT_SIM_MAILBOX_UNKNOWN_COMMAND = 0x0101, /* this generation of adapter has no such command, request or dump type */
+  VMKMGMT_SIM_MAILBOX_BAD_REQUEST = 0x0102,     /* a length, an offset or a marker that the command refuses */
+  VMKMGMT_SIM_MAILBOX_NO_SUCH_OBJECT = 0x0103,  /* no object of this name */
+  VMKMGMT_SIM_MAILBOX_NO_ROOM = 0x0104,         /* an object too many or too large */
+  VMKMGMT_SIM_REGION_EMPTY = 0xFFFD,            /* a region that was never written, or that no adapter has */
+  VMKMGMT_SIM_REGION_UNREADABLE = 0xFFF7,       /* only when a scenario says so */
+  VMKMGMT_SIM_REGION_INVALID = 0xFFF6           /* only when a scenario says so */
+} vmkmgmt_sim_mailbox_status;
 
 #endif

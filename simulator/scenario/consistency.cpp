@@ -7,8 +7,11 @@
 #include <cctype>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "scenario/document.h"
+#include "scenario/hexadecimal.h"
+#include "transport/records/regions.h"
 
 namespace simulator::scenario {
 namespace {
@@ -85,6 +88,8 @@ struct Checker {
   void check_adapter(const json& adapter, const std::string& path) {
     boards.add(adapter["board"].dump(), path + ".board");
     check_speed(adapter, path);
+    check_regions(adapter, path);
+    check_fcfs(adapter, path);
     if (!adapter.contains("fabric")) {
       check_unconnected(adapter, path);
       port_names.add(adapter["wwpn"], path + ".wwpn");
@@ -106,6 +111,43 @@ struct Checker {
     for (const char* key : {"fc_id", "virtual_ports"}) {
       if (adapter.contains(key)) refuse(fmt::format("{}.{}", path, key), "unexpected; only an adapter in a fabric has it");
     }
+  }
+
+  void check_regions(const json& adapter, const std::string& path) const {
+    if (!adapter.contains("regions")) return;
+    Unique numbers{file, "a region"};
+    for (std::size_t i = 0; i < adapter["regions"].size(); ++i) {
+      const json& region = adapter["regions"][i];
+      const std::string place = fmt::format("{}.regions[{}]", path, i);
+      check_region(region, place);
+      numbers.add(region["region"].dump(), place + ".region");
+    }
+  }
+
+  void check_region(const json& region, const std::string& path) const {
+    const std::uint32_t size = vaskdfc::region_bytes(region["region"]);
+    if (size == 0) {
+      refuse(path + ".region",
+             fmt::format("expected the number of a region: one of {}, found {}", region_numbers(), region["region"].dump()));
+    }
+    if (region.contains("image") == region.contains("missing")) refuse(path, "expected either image or missing");
+    if (!region.contains("image")) return;
+
+    const std::optional<std::string> image = bytes_of(region["image"].get<std::string>());
+    if (!image) refuse(path + ".image", "expected hexadecimal digits, two a byte");
+    if (image->size() > size) refuse(path + ".image", fmt::format("expected at most {} bytes, found {}", size, image->size()));
+  }
+
+  static std::string region_numbers() {
+    std::vector<std::uint32_t> numbers;
+    for (const auto& [region, bytes] : vaskdfc::kRegionSizes) numbers.push_back(region);
+    return fmt::format("{}", fmt::join(numbers, ", "));
+  }
+
+  void check_fcfs(const json& adapter, const std::string& path) const {
+    if (!adapter.contains("fcfs")) return;
+    if (adapter.value("protocol", "") == "fcoe" && adapter["sli_mode"] == 4) return;
+    refuse(path + ".fcfs", "unexpected; only an FCoE adapter of SLI mode 4 has them");
   }
 
   void check_foreign_board(const json& board, const std::string& path) { boards.add(board["board"].dump(), path + ".board"); }

@@ -13,7 +13,10 @@
 #include "scenario/consistency.h"
 #include "scenario/embedded.h"
 #include "scenario/fc_hba.h"
+#include "scenario/hexadecimal.h"
 #include "transport/callbacks.h"
+#include "transport/records/regions.h"
+#include "vmkmgmt_sim.h"
 
 namespace simulator::scenario {
 namespace {
@@ -25,23 +28,19 @@ constexpr std::uint16_t kFamilyVendor = 0x5A41;
 
 // Values are converted only after the schema has accepted the document, so their form is known here.
 
-std::uint32_t hexadecimal(std::string_view digits) {
+std::uint32_t prefixed_hexadecimal(const std::string& text) {
   std::uint32_t value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+  std::from_chars(text.data() + 2, text.data() + text.size(), value, 16);
   return value;
 }
-std::uint32_t prefixed_hexadecimal(const std::string& text) { return hexadecimal(std::string_view(text).substr(2)); }
 
 std::uint32_t word(const json& value) {
   return value.is_string() ? prefixed_hexadecimal(value.get<std::string>()) : value.get<std::uint32_t>();
 }
 
 HbaWwn wwn(const json& value) {
-  const auto text = value.get<std::string>();
   HbaWwn result;
-  for (std::size_t i = 0; i < sizeof(result.wwn); ++i) {
-    result.wwn[i] = static_cast<std::uint8_t>(hexadecimal(std::string_view(text).substr(3 * i, 2)));
-  }
+  std::ranges::copy(*bytes_of(value.get<std::string>()), result.wwn);
   return result;
 }
 
@@ -108,6 +107,35 @@ std::optional<Fabric> fabric_named(const std::vector<Fabric>& fabrics, const jso
   return *std::ranges::find(fabrics, adapter["fabric"].get<std::string>(), &Fabric::name);
 }
 
+Region region(const json& value) {
+  Region result{.number = value.at("region"), .missing = VMKMGMT_SIM_REGION_EMPTY};
+  if (value.contains("missing")) result.missing = prefixed_hexadecimal(value["missing"]);
+  if (!value.contains("image")) return result;
+  result.image = bytes_of(value["image"].get<std::string>());
+  result.image->resize(vaskdfc::region_bytes(result.number));
+  return result;
+}
+
+Fcf fcf(const json& value) {
+  Fcf result{.names = {wwn(value.at("names")[0]), wwn(value.at("names")[1])},
+             .vlans = value.value("vlans", std::vector<std::uint32_t>{}),
+             .word_4 = value.value("word_4", 0u),
+             .word_8 = value.value("word_8", 0u),
+             .available = value.value("available", true),
+             .valid = value.value("valid", true)};
+  std::ranges::copy(*bytes_of(value.at("mac").get<std::string>()), result.mac.begin());
+  std::ranges::copy(*bytes_of(value.value("fc_map", "0e:fc:00")), result.fc_map.begin());
+  return result;
+}
+
+// What becomes of each item of an optional list.
+template <typename Item>
+std::vector<Item> list(const json& object, const char* key, Item (*convert)(const json&)) {
+  std::vector<Item> result;
+  std::ranges::transform(object.value(key, json::array()), std::back_inserter(result), convert);
+  return result;
+}
+
 Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
   const std::uint32_t board = value.at("board");
   const Port own = port(value);
@@ -132,6 +160,9 @@ Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
       .virtual_ports = virtual_ports(value.value("virtual_ports", json::array()), own),
       .generation = value.value("generation", 0u),
       .not_ready_reports = value.value("not_ready_reports", 0u),
+      .persistent_link_down = value.value("persistent_link_down", true),
+      .regions = list(value, "regions", region),
+      .fcfs = list(value, "fcfs", fcf),
   };
 }
 

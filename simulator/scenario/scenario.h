@@ -40,6 +40,25 @@ struct PciIdentity {
   std::string address;
 };
 
+// What a configuration region holds before anything writes it.
+struct Region {
+  std::uint32_t number = 0;
+  std::optional<std::string> image;  // as long as the region; none: the region is missing
+  std::uint32_t missing = 0;         // the completion code of a dump that finds no image
+};
+
+// An FCF that the port has discovered. The words are named after their offset in the driver's reply.
+struct Fcf {
+  std::array<HbaWwn, 2> names{};
+  std::array<std::uint8_t, 6> mac{};
+  std::array<std::uint8_t, 3> fc_map{};
+  std::vector<std::uint32_t> vlans;
+  std::uint32_t word_4 = 0;
+  std::uint32_t word_8 = 0;
+  bool available = true;
+  bool valid = true;  // false: an entry of the adapter's table that holds no FCF
+};
+
 struct Adapter {
   std::uint32_t board = 0;
   PciIdentity pci;
@@ -59,6 +78,9 @@ struct Adapter {
   std::vector<Port> virtual_ports;
   std::uint32_t generation = 0;
   std::uint32_t not_ready_reports = 0;
+  bool persistent_link_down = true;  // the driver offers to keep the link down across restarts
+  std::vector<Region> regions;
+  std::vector<Fcf> fcfs;
 };
 
 // A function of another family that answers at a driver board number.

@@ -6,13 +6,6 @@
 
 namespace {
 
-template <typename Record>
-Record garbage() {
-  Record record;
-  std::memset(&record, 0xA5, sizeof(record));
-  return record;
-}
-
 TEST(Info, module_information_is_a_text_about_the_driver) {
   json scenario = small_scenario();
   scenario["driver"]["interfaces"] = {"vaskfcoe-mgmt", "trel-mgmt"};
@@ -59,7 +52,7 @@ TEST(Info, driver_information_tells_the_generation_and_the_kind_of_adapter) {
     Session session;
     const auto converged = driver_information(session, 1);
     EXPECT_EQ(converged.sli_mode, 4u);
-    EXPECT_EQ(converged.feature_flags, 0x7u);
+    EXPECT_EQ(converged.feature_flags, 0x407u);
     EXPECT_EQ(converged.word_108, 1u);
     EXPECT_EQ(converged.adapter_type, 24u);
     EXPECT_EQ(text(converged.bytes_0), "11.4.204.25");
@@ -68,8 +61,11 @@ TEST(Info, driver_information_tells_the_generation_and_the_kind_of_adapter) {
 
     const auto older = driver_information(session, 7);
     EXPECT_EQ(older.sli_mode, 3u);
-    EXPECT_EQ(older.feature_flags, 0x1u);
+    EXPECT_EQ(older.feature_flags, 0x401u);
     EXPECT_EQ(older.adapter_type, 16u);
+
+    EXPECT_EQ(driver_information(session, 3).feature_flags, 0x403u);
+    EXPECT_EQ(driver_information(session, 4).feature_flags, 0x3u) << "its driver cannot keep the link down";
 
     EXPECT_EQ(driver_information(session, 12).sli_mode, 3u) << "a failed adapter's driver still answers";
   });

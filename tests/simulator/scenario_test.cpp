@@ -47,9 +47,7 @@ TEST(Scenario, the_built_in_scenario_is_accepted_from_a_file_too) {
 
 TEST(Scenario, the_example_in_the_documentation_is_accepted_and_its_mistake_is_told_as_documented) {
   const std::string page = read_file(SIMULATOR_PAGE);
-  const std::string fence = "```json\n";
-  const auto start = page.find(fence) + fence.size();
-  const std::string example = page.substr(start, page.find("```", start) - start);
+  const std::string example = documented_examples().at(0).dump();
   EXPECT_EQ(under_scenario(json::parse(example), [] { Session session; }), "");
 
   json mistaken = json::parse(example);
@@ -155,6 +153,55 @@ TEST(Scenario, fabrics_and_speeds_must_fit) {
   EXPECT_EQ(complaint_about("/adapters/0/speed", "32G"), ": adapters[0].speed: expected one of supported_speeds, found \"32G\"");
   EXPECT_EQ(complaint_about("/fabrics/0/ports/0/speed", "8G"),
             ": fabrics[0].ports[0].speed: expected one of supported_speeds, found \"8G\"");
+}
+
+TEST(Scenario, regions_must_be_known_fit_and_stand_once) {
+  const auto region = [](const char* text) { return complaint_about("/adapters/0/regions", json::parse(text)); };
+  EXPECT_EQ(region(R"([{"region": 22, "missing": "0xFFFD"}, {"region": 24, "image": ""}])"),
+            ": adapters[0].regions[1].region: expected the number of a region: one of 0, 4, 5, 6, 7, 8, 9, 10, 14, 17, 19, 21, 22, "
+            "23, 30, 32, 160, 162, found 24");
+  EXPECT_EQ(region(R"([{"region": 256, "image": ""}])"),
+            ": adapters[0].regions[0].region: expected the number of a region: an integer from 0 to 255, found 256");
+  EXPECT_EQ(region(R"([{"region": 23, "image": ""}, {"region": 22, "image": ""}, {"region": 23, "missing": "0xFFF6"}])"),
+            ": adapters[0].regions[2].region: expected a region of its own, 23 is that of adapters[0].regions[0].region");
+  for (const char* digits : {"52 4", "5", "0x52", "52,47", "RG23", "5g"}) {
+    EXPECT_EQ(complaint_about("/adapters/0/regions", {{{"region", 23}, {"image", digits}}}),
+              ": adapters[0].regions[0].image: expected hexadecimal digits, two a byte");
+  }
+  EXPECT_EQ(region(R"([{"region": 32, "image": "00 01 02 03 04 05 06 07 08"}])"),
+            ": adapters[0].regions[0].image: expected at most 8 bytes, found 9");
+  EXPECT_EQ(region(R"([{"region": 23, "missing": "0xFFFE"}])"),
+            ": adapters[0].regions[0].missing: expected the code of a region without an image: \"0xFFFD\", \"0xFFF7\" or "
+            "\"0xFFF6\", found \"0xFFFE\"");
+  EXPECT_EQ(region(R"([{"region": 23}])"), ": adapters[0].regions[0]: expected either image or missing");
+  EXPECT_EQ(region(R"([{"region": 23, "image": "", "missing": "0xFFFD"}])"),
+            ": adapters[0].regions[0]: expected either image or missing");
+}
+
+TEST(Scenario, fcfs_belong_to_converged_adapters_and_have_their_forms) {
+  const auto fcf = [](const char* pointer, const json& value) {
+    json scenario = small_scenario();
+    json& adapter = scenario["adapters"][0];
+    adapter["protocol"] = "fcoe";
+    adapter["fcfs"] = json::parse(
+        R"([{"names": ["10:00:00:00:00:00:00:aa", "20:00:00:00:00:00:00:bb"], "mac": "00:11:22:33:44:55", "vlans": [1]}])");
+    adapter[json::json_pointer(pointer)] = value;
+    return complaint(scenario.dump());
+  };
+  const std::string refusal = ": adapters[0].fcfs: unexpected; only an FCoE adapter of SLI mode 4 has them";
+  EXPECT_EQ(fcf("/protocol", "fc"), refusal);
+  EXPECT_EQ(fcf("/sli_mode", 3), refusal);
+  EXPECT_EQ(fcf("/fcfs/0/mac", "00:11:22:33:44"),
+            ": adapters[0].fcfs[0].mac: expected a MAC address: six bytes in hexadecimal such as \"00:11:22:33:44:55\", found "
+            "\"00:11:22:33:44\"");
+  EXPECT_EQ(fcf("/fcfs/0/fc_map", "0e:fc"),
+            ": adapters[0].fcfs[0].fc_map: expected an FC-MAP: three bytes in hexadecimal such as \"0e:fc:00\", found \"0e:fc\"");
+  EXPECT_EQ(fcf("/fcfs/0/names", {"10:00:00:00:00:00:00:aa"}),
+            ": adapters[0].fcfs[0].names: expected a list of the FCF's two names, found a list");
+  EXPECT_EQ(fcf("/fcfs/0/vlans/0", 4096),
+            ": adapters[0].fcfs[0].vlans[0]: expected a VLAN id: an integer from 0 to 4095, found 4096");
+  EXPECT_EQ(fcf("/fcfs/0/vlans", {1, 1}), ": adapters[0].fcfs[0].vlans: expected a list of VLAN ids, each once, found a list");
+  EXPECT_EQ(fcf("/fcfs/0/word_4", -1), ": adapters[0].fcfs[0].word_4: expected an integer from 0 to 4294967295, found -1");
 }
 
 TEST(Scenario, faults_must_name_a_callback_and_do_something) {

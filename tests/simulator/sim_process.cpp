@@ -108,9 +108,26 @@ json small_scenario() {
   })");
 }
 
+std::vector<json> documented_examples() {
+  const std::string page = read_file(SIMULATOR_PAGE);
+  const std::string fence = "```json\n";
+  std::vector<json> examples;
+  for (auto start = page.find(fence); start != page.npos; start = page.find(fence, start)) {
+    start += fence.size();
+    examples.push_back(json::parse(page.substr(start, page.find("```", start) - start)));
+  }
+  return examples;
+}
+
 std::string under_scenario(const json& scenario, const std::function<void()>& body) {
   const TemporaryFolder folder;
   return in_process({{VMKMGMT_SIM_SCENARIO, folder.write("scenario.json", scenario.dump(2))}}, body);
+}
+
+std::vector<std::uint8_t> pattern(std::size_t bytes, std::size_t seed) {
+  std::vector<std::uint8_t> result(bytes);
+  for (std::size_t i = 0; i < bytes; ++i) result[i] = static_cast<std::uint8_t>(seed + i * 7 + i / 256);
+  return result;
 }
 
 std::string text(const HbaWwn& wwn) {

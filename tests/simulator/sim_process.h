@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "transport/callbacks.h"
 #include "vaskdfc/platform.h"
@@ -87,8 +89,22 @@ class Session {
 // The shortest scenario with one adapter, at board 2, connected to a fabric with one remote port.
 json small_scenario();
 
+// The scenarios that the simulator's page shows, in their order.
+std::vector<json> documented_examples();
+
 // Runs a body under a scenario.
 std::string under_scenario(const json& scenario, const std::function<void()>& body);
+
+// A record whose every byte is one that a test would not expect.
+template <typename Record>
+Record garbage() {
+  Record record;
+  std::memset(&record, 0xA5, sizeof(record));
+  return record;
+}
+
+// Bytes that follow from their positions and a seed; every seed gives others at every position.
+std::vector<std::uint8_t> pattern(std::size_t bytes, std::size_t seed);
 
 // A field's text, which must be terminated.
 template <typename Byte, std::size_t N>
