@@ -71,14 +71,14 @@ bool Context::may_send(const std::string& request) const {
   return !options_.dry_run;
 }
 
-bool Context::may_change(const std::string& change) const {
+bool Context::may_change(const std::string& change, const std::string& preview) const {
   if (!may_send(change)) return false;
   if (options_.yes) return true;
   if (isatty(STDIN_FILENO) == 0) {
     throw usage_failure(fmt::format("not asked to {}: standard input is no terminal", change),
                         "add --yes to go ahead without asking");
   }
-  std::cerr << fmt::format("About to {}. Go ahead? [y/N] ", text_of(change)) << std::flush;
+  std::cerr << preview << fmt::format("About to {}. Go ahead? [y/N] ", text_of(change)) << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
   if (answer == "y" || answer == "Y" || answer == "yes") return true;
@@ -89,6 +89,11 @@ std::uint32_t number_argument(const std::string& name, const std::string& spelli
   if (const auto number = parse_number(spelling, most)) return *number;
   throw usage_failure(fmt::format("{}: \"{}\" is no number from 0 to {}", name, spelling, most),
                       "numbers are decimal, or hexadecimal with 0x");
+}
+
+std::uint16_t vlan_argument(const std::string& spelling) {
+  constexpr std::uint32_t kMostVlan = 4095;
+  return static_cast<std::uint16_t>(number_argument("--vlan", spelling, kMostVlan));
 }
 
 CommandLine::CommandLine() : app_("Diagnostics and management of Fibre Channel and FCoE host bus adapters.", "vaskdfc") {
@@ -107,11 +112,26 @@ CommandLine::CommandLine() : app_("Diagnostics and management of Fibre Channel a
   app_.footer(std::string("\n") + kExamples + kExitCodes);
 }
 
+CLI::App& CommandLine::subcommand(const std::string& name, const std::string& summary, const std::vector<std::string>& examples) {
+  CLI::App* parent = &app_;
+  std::size_t begin = 0;
+  for (std::size_t blank = name.find(' '); blank != std::string::npos; blank = name.find(' ', begin)) {
+    parent = parent->get_subcommand(name.substr(begin, blank - begin));
+    begin = blank + 1;
+  }
+  CLI::App& added = *parent->add_subcommand(name.substr(begin), summary);
+  added.fallthrough();  // global options may follow the command
+  added.footer("Global options, which \"vaskdfc --help\" lists, may follow as well.\n\n" + examples_text(examples) + kExitCodes);
+  return added;
+}
+
+void CommandLine::group(const std::string& name, const std::string& summary, const std::vector<std::string>& examples) {
+  subcommand(name, summary, examples).require_subcommand(1);
+}
+
 CLI::App& CommandLine::add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,
                            Action action) {
-  CLI::App& command = *app_.add_subcommand(name, summary);
-  command.fallthrough();  // global options may follow the command
-  command.footer("Global options, which \"vaskdfc --help\" lists, may follow as well.\n\n" + examples_text(examples) + kExitCodes);
+  CLI::App& command = subcommand(name, summary, examples);
   command.callback([this, action = std::move(action)] { action_ = action; });
   return command;
 }

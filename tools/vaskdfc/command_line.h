@@ -35,8 +35,9 @@ class Context {
   void remark(const std::string& text) const;
   // Before a request that does no harm. False in a dry run, which then says what would have been done.
   bool may_send(const std::string& request) const;
-  // Before a change: asks the user first. Throws a Failure when the answer is no or when there is nobody to ask.
-  bool may_change(const std::string& change) const;
+  // Before a change: asks the user first, below the preview if there is one. Throws a Failure when the answer is no or when there
+  // is nobody to ask.
+  bool may_change(const std::string& change, const std::string& preview = "") const;
 
   Exit exit() const { return exit_; }
 
@@ -51,13 +52,18 @@ class CommandLine {
  public:
   CommandLine();
 
-  // Adds a command. Its arguments are added to what this returns; `action` runs when the command was given.
+  // Adds a group of commands, whose names begin with the group's as in "region list". Groups may have groups.
+  void group(const std::string& name, const std::string& summary, const std::vector<std::string>& examples);
+
+  // Adds a command; its group, if any, is there already. Its arguments are added to what this returns; `action` runs when the
+  // command was given.
   CLI::App& add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples, Action action);
 
   // Runs the command that the arguments name and returns the exit code.
   int run(int argc, const char* const* argv);
 
  private:
+  CLI::App& subcommand(const std::string& name, const std::string& summary, const std::vector<std::string>& examples);
   Exit run_action();
 
   CLI::App app_;
@@ -68,6 +74,9 @@ class CommandLine {
 // An argument that is a number; a Failure names the argument and what it may be.
 std::uint32_t number_argument(const std::string& name, const std::string& spelling, std::uint32_t most = UINT32_MAX);
 
+// The --vlan argument: an id of 12 bits.
+std::uint16_t vlan_argument(const std::string& spelling);
+
 // How help texts describe the argument that names an adapter.
 inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN in any usual spelling";
 
@@ -75,5 +84,10 @@ inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN
 void add_info_commands(CommandLine& commands);
 void add_hbaapi_commands(CommandLine& commands);
 void add_state_commands(CommandLine& commands);
+void add_mailbox_commands(CommandLine& commands);
+void add_region_commands(CommandLine& commands);
+void add_linkdown_commands(CommandLine& commands);
+void add_fcoe_commands(CommandLine& commands);
+void add_fcoe_connect_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

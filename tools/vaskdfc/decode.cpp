@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <vaskdfc/info.h>
+#include <vaskdfc/regions.h>
 
 #include <algorithm>
 #include <array>
@@ -22,7 +23,8 @@ constexpr std::array kSpeeds{Meaning{0x1, "1 Gbit/s"},   Meaning{0x2, "2 Gbit/s"
                              Meaning{0x10, "8 Gbit/s"},  Meaning{0x4, "10 Gbit/s"},        Meaning{0x20, "16 Gbit/s"},
                              Meaning{0x40, "32 Gbit/s"}, Meaning{0x8000, "not negotiated"}};
 constexpr std::array kFc4Types{Meaning{0x05, "IP"}, Meaning{0x08, "FCP"}, Meaning{0x20, "CT"}, Meaning{0x28, "NVMe"}};
-constexpr std::array kFeatures{Meaning{DFC_FEATURE_EXTENDED_SLI_CONFIG, "extended SLI configuration mailboxes"}};
+constexpr std::array kFeatures{Meaning{DFC_FEATURE_EXTENDED_SLI_CONFIG, "extended SLI configuration mailboxes"},
+                          Meaning{DFC_FEATURE_PERSISTENT_LINK_DOWN, "persistent link down"}};
 
 const char* meaning_of(std::span<const Meaning> meanings, std::uint32_t value) {
   const auto found = std::ranges::find(meanings, value, &Meaning::first);
@@ -68,6 +70,7 @@ std::string text_of(std::span<const std::uint8_t> array) {
   for (const std::uint8_t byte : array) {
     if (byte == 0) break;
     const bool printable = byte >= 0x20 && byte < 0x7F;
+    if (byte == '\\') text += '\\';
     text += printable ? std::string(1, static_cast<char>(byte)) : fmt::format("\\x{:02x}", byte);
   }
   text.erase(text.find_last_not_of(' ') + 1);
@@ -91,23 +94,31 @@ std::string text_of(std::span<const char> array) {
   return text_of(std::span<const std::uint8_t>(bytes));
 }
 
-std::string wwn_text(const HbaWwn& wwn) { return fmt::format("{:02x}", fmt::join(wwn.wwn, ":")); }
+std::string wwn_text(const HbaWwn& wwn) { return colon_text(wwn.wwn); }
 
 // Separators stand between all bytes or between none.
-std::optional<HbaWwn> parse_wwn(std::string_view spelling) {
+std::optional<std::vector<std::uint8_t>> parse_bytes(std::string_view spelling, std::size_t count) {
   if (starts_with_0x(spelling)) spelling.remove_prefix(2);
-  const bool separated = spelling.size() == 23 && (spelling[2] == ':' || spelling[2] == '-');
-  if (!separated && spelling.size() != 16) return std::nullopt;
+  const bool separated = spelling.size() == 3 * count - 1 && (spelling[2] == ':' || spelling[2] == '-');
+  if (!separated && spelling.size() != 2 * count) return std::nullopt;
 
-  HbaWwn wwn{};
-  for (std::size_t i = 0; i < sizeof(wwn.wwn); ++i) {
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t i = 0; i < count; ++i) {
     const std::size_t at = i * (separated ? 3 : 2);
     if (separated && i > 0 && spelling[at - 1] != spelling[2]) return std::nullopt;
     const int high = hex_digit(spelling[at]);
     const int low = hex_digit(spelling[at + 1]);
     if (high < 0 || low < 0) return std::nullopt;
-    wwn.wwn[i] = static_cast<std::uint8_t>(high * 16 + low);
+    bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
   }
+  return bytes;
+}
+
+std::optional<HbaWwn> parse_wwn(std::string_view spelling) {
+  HbaWwn wwn{};
+  const auto bytes = parse_bytes(spelling, sizeof(wwn.wwn));
+  if (!bytes) return std::nullopt;
+  std::ranges::copy(*bytes, wwn.wwn);
   return wwn;
 }
 
@@ -128,6 +139,8 @@ Cell wwn_cell(const HbaWwn& wwn) { return text_cell(wwn_text(wwn)); }
 Cell fc_id_cell(std::uint32_t fc_id) { return text_cell(fmt::format("0x{:06x}", fc_id)); }
 
 Cell hex_cell(std::uint32_t word) { return text_cell(fmt::format("0x{:08x}", word)); }
+
+std::string colon_text(std::span<const std::uint8_t> bytes) { return fmt::format("{:02x}", fmt::join(bytes, ":")); }
 
 Cell hex_bytes_cell(std::span<const std::uint8_t> bytes) { return text_cell(fmt::format("{:02x}", fmt::join(bytes, " "))); }
 

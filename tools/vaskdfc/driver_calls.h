@@ -13,6 +13,9 @@
 
 namespace vaskdfc::tool {
 
+// The driver status that asks to try again.
+inline constexpr std::uint32_t kDriverBusy = 0x0BAD0039;
+
 struct DriverCall {
   std::uint64_t callback;
   dfc_mgmt_hdr sent;    // as the library sent it

@@ -1,6 +1,8 @@
 #include "failure.h"
 
 #include <fmt/format.h>
+#include <vaskdfc/mailbox.h>
+#include <vaskdfc/regions.h>
 #include <vaskdfc/result.h>
 
 #include <algorithm>
@@ -14,7 +16,17 @@ namespace {
 
 using Name = std::pair<std::uint32_t, const char*>;
 
-constexpr std::array kDfcNames{Name{DFC_OK, "DFC_OK"}, Name{DFC_FAILED, "DFC_FAILED"}, Name{DFC_UNSUPPORTED, "DFC_UNSUPPORTED"}};
+constexpr std::array kDfcNames{Name{DFC_OK, "DFC_OK"}, Name{DFC_FAILED, "DFC_FAILED"}, Name{DFC_UNSUPPORTED, "DFC_UNSUPPORTED"},
+                               Name{DFC_TOO_SMALL, "DFC_TOO_SMALL"}, Name{DFC_NO_MEMORY, "DFC_NO_MEMORY"}};
+// What these families name otherwise, or beside the library's own codes.
+constexpr std::array kMailboxNames{Name{DFC_MBOX_GAVE_UP, "DFC_MBOX_GAVE_UP"}, Name{DFC_MBOX_NOT_TAKEN, "DFC_MBOX_NOT_TAKEN"},
+                                   Name{DFC_MBOX_WRONG_KIND, "DFC_MBOX_WRONG_KIND"}};
+constexpr std::array kDumpNames{Name{DFC_DUMP_UNKNOWN_REGION, "DFC_DUMP_UNKNOWN_REGION"},
+                                Name{DFC_DUMP_COMPLETED_FFFD, "DFC_DUMP_COMPLETED_FFFD"},
+                                Name{DFC_DUMP_COMPLETED_FFF7, "DFC_DUMP_COMPLETED_FFF7"},
+                                Name{DFC_DUMP_COMPLETED_FFF6, "DFC_DUMP_COMPLETED_FFF6"}};
+constexpr std::array kRegionNames{Name{DFC_RECORD_NOT_FOUND, "DFC_RECORD_NOT_FOUND"},
+                                  Name{DFC_REGION22_NO_IMAGE, "DFC_REGION22_NO_IMAGE"}};
 constexpr std::array kHbaNames{Name{HBA_STATUS_OK, "HBA_STATUS_OK"}, Name{HBA_STATUS_ERROR, "HBA_STATUS_ERROR"},
                                Name{HBA_STATUS_ERROR_ILLEGAL_WWN, "HBA_STATUS_ERROR_ILLEGAL_WWN"},
                                Name{HBA_STATUS_ERROR_ILLEGAL_INDEX, "HBA_STATUS_ERROR_ILLEGAL_INDEX"},
@@ -25,19 +37,41 @@ std::string name_in(const auto& names, std::uint32_t result) {
   return found == names.end() ? "" : found->second;
 }
 
+constexpr const char* kNeverWritten = "the adapter has nothing in this region yet; it may never have been written";
+
 constexpr std::array kHbaHints{
     Name{HBA_STATUS_ERROR_ILLEGAL_WWN, "no port has this WWN; \"vaskdfc ports ADAPTER --discovered\" shows those that there are"},
     Name{HBA_STATUS_ERROR_ILLEGAL_INDEX, "the list of ports ends before this position; positions count from 0"},
     Name{HBA_STATUS_ERROR_STALE_DATA, "the ports keep changing: try again"}};
 
+constexpr std::array kMailboxHints{
+    Name{DFC_MBOX_NOT_TAKEN, "the driver does not take this mailbox"},
+    Name{DFC_MBOX_WRONG_KIND, "the adapter takes mailboxes of another kind; \"vaskdfc show ADAPTER\" tells its SLI mode"}};
+constexpr std::array kDumpHints{
+    Name{DFC_DUMP_UNKNOWN_REGION, "\"vaskdfc region list ADAPTER\" shows the regions that there are"},
+    Name{DFC_DUMP_COMPLETED_FFFD, kNeverWritten}, Name{DFC_DUMP_COMPLETED_FFF7, kNeverWritten},
+    Name{DFC_DUMP_COMPLETED_FFF6, kNeverWritten}};
+constexpr std::array kRegionHints{
+    Name{DFC_UNSUPPORTED, "not offered by this adapter or its driver; \"vaskdfc show ADAPTER\" tells its SLI mode and features"},
+    Name{DFC_RECORD_NOT_FOUND, "\"vaskdfc region init ADAPTER 23\" writes an image that has the record"}};
+
+std::string hint_for_result(Results family, std::uint32_t result) {
+  switch (family) {
+    case Results::kHba: return name_in(kHbaHints, result);
+    case Results::kMailbox: return name_in(kMailboxHints, result);
+    case Results::kDump: return name_in(kDumpHints, result);
+    case Results::kRegion: return name_in(kRegionHints, result);
+    default: return "";
+  }
+}
+
 // What most often helps, by the result and by the statuses of the call that failed.
 std::string hint_for(const Failure& failure) {
-  constexpr std::uint32_t kBusy = 0x0BAD0039;
-  std::string hint = failure.results == Results::kHba ? name_in(kHbaHints, failure.result.value_or(HBA_STATUS_OK)) : "";
+  std::string hint = hint_for_result(failure.results, failure.result.value_or(DFC_OK));
   if (!hint.empty()) return hint;
   if (!failure.call) return "";
   if (failure.call->platform_status != 0) return "the platform refused the call: check that the driver is still loaded";
-  if (failure.call->header.status == kBusy) return "the driver is busy: try again";
+  if (failure.call->header.status == kDriverBusy) return "the driver is busy: try again";
   return "the driver's own log may say more; run again with -v to see every driver call";
 }
 
@@ -63,10 +97,17 @@ Section section_of(const Failure& failure) {
 }  // namespace
 
 std::string result_name(Results family, std::uint32_t result) {
+  const auto own_or_common = [&](const auto& names) {
+    const std::string own = name_in(names, result);
+    return own.empty() ? std::string(name_in(kDfcNames, result)) : own;
+  };
   switch (family) {
     case Results::kStatus: return "";
     case Results::kDfc: return name_in(kDfcNames, result);
     case Results::kHba: return name_in(kHbaNames, result);
+    case Results::kMailbox: return own_or_common(kMailboxNames);
+    case Results::kDump: return own_or_common(kDumpNames);
+    case Results::kRegion: return own_or_common(kRegionNames);
   }
   return "";
 }
