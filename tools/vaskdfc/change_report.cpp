@@ -24,17 +24,18 @@ Section changes_section(const std::vector<Change>& changes) {
 
 // How far a change got. Without a read-back nothing is verified.
 struct Outcome {
-  bool written = false;
+  bool sent = false;
   std::optional<bool> verified;
 };
 
 void print(const Context& context, const Setting& setting, const std::vector<Change>& changes, const Outcome& outcome) {
-  context.print({.command = setting.command,
-                 .sections = {record_section("write", "Write",
-                                             {{"adapter", "Adapter", number_cell(setting.adapter)},
-                                              {"written", "Written", flag_cell(outcome.written)},
-                                              {"verified", "Verified", outcome.verified ? flag_cell(*outcome.verified) : absent()}}),
-                              changes_section(changes)}});
+  context.print(
+      {.command = setting.command,
+       .sections = {record_section("write", "Write",
+                                   {{"adapter", "Adapter", number_cell(setting.adapter)},
+                                    {"sent", "Sent", flag_cell(outcome.sent)},
+                                    {"verified", "Verified", outcome.verified ? flag_cell(*outcome.verified) : absent()}}),
+                    changes_section(changes)}});
 }
 
 std::string contents(const std::vector<Change>& not_as_wanted) {
@@ -49,7 +50,8 @@ std::string complaint(const Setting& setting, const std::vector<Field>& before, 
   const auto missed = changes_between(now, wanted);
   const std::string what = contents(missed);
   if (missed.empty()) {
-    return result == DFC_OK ? "" : fmt::format("the write did not succeed, although {} holds what was to be written", setting.place);
+    return result == DFC_OK ? ""
+                            : fmt::format("the write did not succeed, although {} holds what was to be written", setting.place);
   }
   if (!changes_between(before, now).empty()) {
     return fmt::format("after the write {} holds something else than was written: {}", setting.place, what);
@@ -59,7 +61,8 @@ std::string complaint(const Setting& setting, const std::vector<Field>& before, 
                      what);
 }
 
-void write_and_verify(Context& context, const Setting& setting, const std::vector<Field>& before, const std::vector<Field>& wanted) {
+void write_and_verify(Context& context, const Setting& setting, const std::vector<Field>& before,
+                      const std::vector<Field>& wanted) {
   const auto changes = changes_between(before, wanted);
   watch_driver_calls();
   const std::uint32_t result = setting.write();
@@ -69,13 +72,13 @@ void write_and_verify(Context& context, const Setting& setting, const std::vecto
   try {
     now = setting.read();
   } catch (const Failure& unreadable) {
-    print(context, setting, changes, {.written = result == DFC_OK, .verified = std::nullopt});
+    print(context, setting, changes, {.sent = true, .verified = std::nullopt});
     context.report_failure(unreadable);
     failure.message = fmt::format("the write cannot be verified: {} cannot be read back", setting.place);
     throw failure;
   }
   failure.message = complaint(setting, before, wanted, now, result);
-  print(context, setting, changes, {.written = result == DFC_OK, .verified = changes_between(now, wanted).empty()});
+  print(context, setting, changes, {.sent = true, .verified = changes_between(now, wanted).empty()});
   if (!failure.message.empty()) throw failure;
 }
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <vaskdfc/info.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 
@@ -94,6 +95,13 @@ std::uint32_t number_argument(const std::string& name, const std::string& spelli
 std::uint16_t vlan_argument(const std::string& spelling) {
   constexpr std::uint32_t kMostVlan = 4095;
   return static_cast<std::uint16_t>(number_argument("--vlan", spelling, kMostVlan));
+}
+
+std::uint32_t region_argument(const std::string& spelling, const std::vector<std::uint32_t>& allowed) {
+  const auto region = parse_number(spelling);
+  if (region && std::ranges::count(allowed, *region) != 0) return *region;
+  throw usage_failure(fmt::format("REGION: \"{}\" is not {}", spelling, fmt::join(allowed, " or ")),
+                      "\"vaskdfc region dump\" shows the bytes of any region");
 }
 
 CommandLine::CommandLine() : app_("Diagnostics and management of Fibre Channel and FCoE host bus adapters.", "vaskdfc") {

@@ -77,6 +77,9 @@ std::uint32_t number_argument(const std::string& name, const std::string& spelli
 // The --vlan argument: an id of 12 bits.
 std::uint16_t vlan_argument(const std::string& spelling);
 
+// The REGION argument: one of the regions that the command knows.
+std::uint32_t region_argument(const std::string& spelling, const std::vector<std::uint32_t>& allowed);
+
 // How help texts describe the argument that names an adapter.
 inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN in any usual spelling";
 
@@ -86,6 +89,7 @@ void add_hbaapi_commands(CommandLine& commands);
 void add_state_commands(CommandLine& commands);
 void add_mailbox_commands(CommandLine& commands);
 void add_region_commands(CommandLine& commands);
+void add_region_write_commands(CommandLine& commands);
 void add_linkdown_commands(CommandLine& commands);
 void add_fcoe_commands(CommandLine& commands);
 void add_fcoe_connect_commands(CommandLine& commands);

@@ -82,8 +82,8 @@ ConnectEntry entry_argument(const Arguments& arguments) {
 void list(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  Section section = table_section(
-      "entries", "Entries", {{"position", "POSITION"}, {"vlan", "VLAN"}, {"names", "NAMES"}, {"flags", "FLAGS"}});
+  Section section =
+      table_section("entries", "Entries", {{"position", "POSITION"}, {"vlan", "VLAN"}, {"names", "NAMES"}, {"flags", "FLAGS"}});
   const Entries entries = read_entries(adapter);
   for (std::size_t i = 0; i < entries.size(); ++i) {
     section.records.push_back({number_cell(i), number_cell(entries[i].vlan), text_cell(names_text(entries[i].names)),
@@ -147,9 +147,9 @@ void add_fcoe_connect_commands(CommandLine& commands) {
   commands.group("fcoe connect", "Forwarders that a port may log in to: the FCF connect list",
                  {"vaskdfc fcoe connect list 0", add_examples.front(), "vaskdfc fcoe connect remove 0 1"});
   auto arguments = std::make_shared<Arguments>();
-  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) -> CLI::App& {
-    CLI::App& added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
+  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples,
+                           auto action) -> CLI::App& {
+    CLI::App& added = commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
     added.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
     return added;
   };

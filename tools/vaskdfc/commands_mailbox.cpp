@@ -60,7 +60,8 @@ Words given_words(const Arguments& arguments) {
   }
   if (arguments.file) return words_in_file(*arguments.file);
   if (arguments.words.size() > DFC_MBOX_WORDS) {
-    throw usage_failure(fmt::format("{} words are too many for a mailbox, which has at most {}", arguments.words.size(), DFC_MBOX_WORDS));
+    throw usage_failure(
+        fmt::format("{} words are too many for a mailbox, which has at most {}", arguments.words.size(), DFC_MBOX_WORDS));
   }
   Words words;
   for (const std::string& word : arguments.words) words.push_back(number_argument(fmt::format("WORD {}", words.size()), word));
@@ -93,8 +94,8 @@ struct Mailbox {
 Mailbox mailbox_for(std::uint32_t sli_mode, const Words& given) {
   Mailbox mailbox{.sent = given, .sli_mode = sli_mode};
   if (!mailbox.is_newer() && given.size() > kOlderWords) {
-    throw usage_failure(fmt::format("{} words are too many: an adapter of SLI mode {} takes at most {}", given.size(), sli_mode,
-                                    kOlderWords));
+    throw usage_failure(
+        fmt::format("{} words are too many: an adapter of SLI mode {} takes at most {}", given.size(), sli_mode, kOlderWords));
   }
   if (mailbox.is_newer()) mailbox.sent.resize(DFC_MBOX_WORDS);
   std::ranges::copy(mailbox.sent, mailbox.words.begin());
@@ -131,10 +132,9 @@ Section words_section(const Mailbox& mailbox) {
   const std::size_t count = mailbox.is_newer() ? DFC_MBOX_WORDS : kOlderWords;
   for (std::size_t at = 0; at < count; at += kWordsPerLine) {
     const auto sent = std::span(mailbox.sent).subspan(std::min(at, mailbox.sent.size()));
-    section.records.push_back(
-        {number_cell(at * sizeof(std::uint32_t)),
-         words_cell(sent.first(std::min(sent.size(), kWordsPerLine))),
-         mailbox.result ? words_cell(std::span(mailbox.words).subspan(at, kWordsPerLine)) : absent()});
+    section.records.push_back({number_cell(at * sizeof(std::uint32_t)),
+                               words_cell(sent.first(std::min(sent.size(), kWordsPerLine))),
+                               mailbox.result ? words_cell(std::span(mailbox.words).subspan(at, kWordsPerLine)) : absent()});
   }
   return section;
 }
@@ -142,19 +142,18 @@ Section words_section(const Mailbox& mailbox) {
 Section mailbox_section(std::uint32_t adapter, const Mailbox& mailbox) {
   const auto answer = [&](auto make_cell) { return mailbox.result ? make_cell() : absent(); };
   const std::uint16_t status = status_of(mailbox.words);
-  return record_section(
-      "mailbox", "Mailbox",
-      {{"adapter", "Adapter", number_cell(adapter)},
-       {"sli_mode", "SLI mode", number_cell(mailbox.sli_mode)},
-       {"command", "Command", text_cell(fmt::format("0x{:02x}", command_of(mailbox.sent)))},
-       {"sent", "Sent", flag_cell(mailbox.result.has_value())},
-       {"status", "Status", answer([&] { return number_cell(status); })},
-       {"status_meaning", "Status meaning", answer([&] { return text_cell(status_text(status)); })},
-       {"result", "Result", answer([&] { return number_cell(*mailbox.result); })},
-       {"result_name", "Result name", answer([&] {
-          const std::string name = result_name(Results::kMailbox, *mailbox.result);
-          return name.empty() ? absent() : text_cell(name);
-        })}});
+  return record_section("mailbox", "Mailbox",
+                        {{"adapter", "Adapter", number_cell(adapter)},
+                         {"sli_mode", "SLI mode", number_cell(mailbox.sli_mode)},
+                         {"command", "Command", text_cell(fmt::format("0x{:02x}", command_of(mailbox.sent)))},
+                         {"sent", "Sent", flag_cell(mailbox.result.has_value())},
+                         {"status", "Status", answer([&] { return number_cell(status); })},
+                         {"status_meaning", "Status meaning", answer([&] { return text_cell(status_text(status)); })},
+                         {"result", "Result", answer([&] { return number_cell(*mailbox.result); })},
+                         {"result_name", "Result name", answer([&] {
+                            const std::string name = result_name(Results::kMailbox, *mailbox.result);
+                            return name.empty() ? absent() : text_cell(name);
+                          })}});
 }
 
 // The wrappers of the library sleep between attempts.
@@ -183,16 +182,17 @@ void run(Context& context, const Arguments& arguments) {
   }
   context.print({.command = kCommand, .sections = {mailbox_section(adapter, mailbox), words_section(mailbox)}});
   if (!mailbox.result || mailbox.is_completed()) return;
-  throw operation_failure(fmt::format("the mailbox was not completed: status {}, {}", status_of(mailbox.words),
-                                      status_text(status_of(mailbox.words))),
-                          adapter, mailbox.operation(), Results::kMailbox, *mailbox.result);
+  throw operation_failure(
+      fmt::format("the mailbox was not completed: status {}, {}", status_of(mailbox.words), status_text(status_of(mailbox.words))),
+      adapter, mailbox.operation(), Results::kMailbox, *mailbox.result);
 }
 
 }  // namespace
 
 void add_mailbox_commands(CommandLine& commands) {
-  const std::vector<std::string> examples{"vaskdfc mailbox send 0 0x00000500", "vaskdfc mailbox send 3 --file mailbox.bin --dry-run",
-                                          "vaskdfc mailbox send 0 0x00000500 --retries 5 --delay 1000 --yes"};
+  const std::vector<std::string> examples{"vaskdfc mailbox send 0 0x200",
+                                          "vaskdfc mailbox send 3 --file mailbox.bin --dry-run",
+                                          "vaskdfc mailbox send 0 0x200 --retries 5 --delay 1000 --yes"};
   commands.group("mailbox", "Send mailboxes to an adapter", examples);
   auto arguments = std::make_shared<Arguments>();
   CLI::App& command = commands.add(kCommand, "Send a mailbox and show it as it was completed", examples,

@@ -24,7 +24,7 @@ constexpr std::array kSpeeds{Meaning{0x1, "1 Gbit/s"},   Meaning{0x2, "2 Gbit/s"
                              Meaning{0x40, "32 Gbit/s"}, Meaning{0x8000, "not negotiated"}};
 constexpr std::array kFc4Types{Meaning{0x05, "IP"}, Meaning{0x08, "FCP"}, Meaning{0x20, "CT"}, Meaning{0x28, "NVMe"}};
 constexpr std::array kFeatures{Meaning{DFC_FEATURE_EXTENDED_SLI_CONFIG, "extended SLI configuration mailboxes"},
-                          Meaning{DFC_FEATURE_PERSISTENT_LINK_DOWN, "persistent link down"}};
+                               Meaning{DFC_FEATURE_PERSISTENT_LINK_DOWN, "persistent link down"}};
 
 const char* meaning_of(std::span<const Meaning> meanings, std::uint32_t value) {
   const auto found = std::ranges::find(meanings, value, &Meaning::first);

@@ -21,10 +21,9 @@ constexpr std::array kDfcNames{Name{DFC_OK, "DFC_OK"}, Name{DFC_FAILED, "DFC_FAI
 // What these families name otherwise, or beside the library's own codes.
 constexpr std::array kMailboxNames{Name{DFC_MBOX_GAVE_UP, "DFC_MBOX_GAVE_UP"}, Name{DFC_MBOX_NOT_TAKEN, "DFC_MBOX_NOT_TAKEN"},
                                    Name{DFC_MBOX_WRONG_KIND, "DFC_MBOX_WRONG_KIND"}};
-constexpr std::array kDumpNames{Name{DFC_DUMP_UNKNOWN_REGION, "DFC_DUMP_UNKNOWN_REGION"},
-                                Name{DFC_DUMP_COMPLETED_FFFD, "DFC_DUMP_COMPLETED_FFFD"},
-                                Name{DFC_DUMP_COMPLETED_FFF7, "DFC_DUMP_COMPLETED_FFF7"},
-                                Name{DFC_DUMP_COMPLETED_FFF6, "DFC_DUMP_COMPLETED_FFF6"}};
+constexpr std::array kDumpNames{
+    Name{DFC_DUMP_UNKNOWN_REGION, "DFC_DUMP_UNKNOWN_REGION"}, Name{DFC_DUMP_COMPLETED_FFFD, "DFC_DUMP_COMPLETED_FFFD"},
+    Name{DFC_DUMP_COMPLETED_FFF7, "DFC_DUMP_COMPLETED_FFF7"}, Name{DFC_DUMP_COMPLETED_FFF6, "DFC_DUMP_COMPLETED_FFF6"}};
 constexpr std::array kRegionNames{Name{DFC_RECORD_NOT_FOUND, "DFC_RECORD_NOT_FOUND"},
                                   Name{DFC_REGION22_NO_IMAGE, "DFC_REGION22_NO_IMAGE"}};
 constexpr std::array kHbaNames{Name{HBA_STATUS_OK, "HBA_STATUS_OK"}, Name{HBA_STATUS_ERROR, "HBA_STATUS_ERROR"},
@@ -47,10 +46,9 @@ constexpr std::array kHbaHints{
 constexpr std::array kMailboxHints{
     Name{DFC_MBOX_NOT_TAKEN, "the driver does not take this mailbox"},
     Name{DFC_MBOX_WRONG_KIND, "the adapter takes mailboxes of another kind; \"vaskdfc show ADAPTER\" tells its SLI mode"}};
-constexpr std::array kDumpHints{
-    Name{DFC_DUMP_UNKNOWN_REGION, "\"vaskdfc region list ADAPTER\" shows the regions that there are"},
-    Name{DFC_DUMP_COMPLETED_FFFD, kNeverWritten}, Name{DFC_DUMP_COMPLETED_FFF7, kNeverWritten},
-    Name{DFC_DUMP_COMPLETED_FFF6, kNeverWritten}};
+constexpr std::array kDumpHints{Name{DFC_DUMP_UNKNOWN_REGION, "\"vaskdfc region list ADAPTER\" shows the regions that there are"},
+                                Name{DFC_DUMP_COMPLETED_FFFD, kNeverWritten}, Name{DFC_DUMP_COMPLETED_FFF7, kNeverWritten},
+                                Name{DFC_DUMP_COMPLETED_FFF6, kNeverWritten}};
 constexpr std::array kRegionHints{
     Name{DFC_UNSUPPORTED, "not offered by this adapter or its driver; \"vaskdfc show ADAPTER\" tells its SLI mode and features"},
     Name{DFC_RECORD_NOT_FOUND, "\"vaskdfc region init ADAPTER 23\" writes an image that has the record"}};

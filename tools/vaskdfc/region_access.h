@@ -24,7 +24,7 @@ struct RegionRead {
   std::optional<std::uint32_t> size;  // of the region, by the library's own table
   std::vector<std::uint8_t> bytes;    // as delivered, which may be fewer
   std::uint32_t result = 0;
-  std::string operation;              // the library's; empty where it cannot read this region at all
+  std::string operation;  // the library's; empty where it cannot read this region at all
 };
 
 // A region as the adapter delivers it. Does not throw; a region that is not there is no failure.

@@ -130,8 +130,7 @@ std::vector<Field> region22_fields(const std::optional<Region22Image>& image) {
   std::vector<Field> fields{image_field(image->problem.empty() ? image->signature : image->problem)};
   fields.push_back({"head", "Bytes 4-7", hex_or_blank(image->head)});
   for (const Region22Entry& entry : image->entries) {
-    fields.push_back(
-        {fmt::format("entry_{}", entry.position), fmt::format("Entry {}", entry.position), hex_or_blank(entry.bytes)});
+    fields.push_back({fmt::format("entry_{}", entry.position), fmt::format("Entry {}", entry.position), hex_or_blank(entry.bytes)});
   }
   return fields;
 }

@@ -27,9 +27,7 @@ std::uint32_t word_at(Bytes bytes, std::size_t offset) {
   return half_at(bytes, offset) | static_cast<std::uint32_t>(half_at(bytes, offset + 2)) << 16;
 }
 
-std::size_t nonzero(Bytes bytes) {
-  return bytes.size() - static_cast<std::size_t>(std::ranges::count(bytes, 0));
-}
+std::size_t nonzero(Bytes bytes) { return bytes.size() - static_cast<std::size_t>(std::ranges::count(bytes, 0)); }
 
 // Reads the chain of records. Returns why it has no end, or nothing.
 std::string read_chain(Bytes image, Region23Image& result) {
@@ -121,8 +119,7 @@ Region22Image parse_region22(Bytes image) {
   result.head.assign(head.begin(), head.end());
   for (std::size_t offset = kHeadBytes; offset < image.size(); offset += sizeof(dfc_region22_entry)) {
     const Bytes bytes = image.subspan(offset, std::min(sizeof(dfc_region22_entry), image.size() - offset));
-    result.entries.push_back(
-        {.position = result.entries.size(), .offset = offset, .bytes = {bytes.begin(), bytes.end()}});
+    result.entries.push_back({.position = result.entries.size(), .offset = offset, .bytes = {bytes.begin(), bytes.end()}});
   }
   return result;
 }
