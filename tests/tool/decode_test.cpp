@@ -52,9 +52,9 @@ TEST(Decode, finds_fc4_types_in_their_big_endian_words) {
   EXPECT_EQ(fc4_types_cell(std::array<std::uint8_t, 32>{}).value, Words{});
 }
 
-TEST(Decode, names_the_feature_that_is_known_and_keeps_the_other_bits) {
+TEST(Decode, names_the_features_that_are_known_and_keeps_the_other_bits) {
   EXPECT_EQ(feature_flags_cell(0x1000).value, Words{"extended SLI configuration mailboxes"});
-  EXPECT_EQ(feature_flags_cell(0x1403).value, (Words{"extended SLI configuration mailboxes", "0x403"}));
+  EXPECT_EQ(feature_flags_cell(0x1403).value, (Words{"extended SLI configuration mailboxes", "persistent link down", "0x3"}));
 }
 
 TEST(Decode, reads_texts_up_to_their_end_or_the_arrays) {
@@ -67,6 +67,11 @@ TEST(Decode, reads_texts_up_to_their_end_or_the_arrays) {
 
 TEST(Decode, shows_what_is_not_printable_as_hexadecimal) {
   EXPECT_EQ(text_of(std::array<char, 6>{'\x1b', '[', 'm', '\n', '\x7f', '\xe9'}), "\\x1b[m\\x0a\\x7f\\xe9");
+}
+
+TEST(Decode, tells_a_backslash_from_an_escape) {
+  EXPECT_EQ(text_of(std::array<char, 4>{'\\', 'x', '4', '1'}), R"(\\x41)");
+  EXPECT_EQ(text_of(std::array<char, 2>{'\x1b', '\\'}), R"(\x1b\\)");
 }
 
 TEST(Decode, splits_texts_into_lines) {
@@ -96,6 +101,15 @@ TEST(Decode, refuses_what_is_no_wwn) {
        {"", "0x", "10", "10:00:00:11:22:ab:cd", "10:00:00:11:22:ab:cd:ef:01", "10:00-00:11:22:ab:cd:ef", "10:00:00:11:22:ab:cd:eg",
         "1000001122abcde", "1000001122abcdefa", "10.00.00.11.22.ab.cd.ef"}) {
     EXPECT_FALSE(parse_wwn(spelling)) << spelling;
+  }
+}
+
+TEST(Decode, reads_bytes_as_wwns_are_spelled) {
+  for (const char* const spelling : {"0e:fc:0a", "0E-FC-0A", "0efc0a", "0x0efc0a"}) {
+    EXPECT_EQ(parse_bytes(spelling, 3), (std::vector<std::uint8_t>{0x0E, 0xFC, 0x0A})) << spelling;
+  }
+  for (const char* const spelling : {"", "0e:fc", "0e:fc:0a:0b", "0e:fc-0a", "0efc0", "0e.fc.0a", "0e:fc:0g"}) {
+    EXPECT_FALSE(parse_bytes(spelling, 3)) << spelling;
   }
 }
 

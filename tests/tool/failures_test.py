@@ -1,18 +1,9 @@
 """What goes wrong: exit codes, error objects, and what the commands do not do."""
 
-import json
-import os
-import pty
-
 import tool
 
 BUSY = "0x0BAD0039"
 HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test", "set-state", "refresh"]
-
-
-def fault(callback, **fields):
-    """A fault of a scenario."""
-    return {"callback": callback} | fields
 
 
 class Usage(tool.ToolTest):
@@ -106,7 +97,7 @@ class Failing(tool.ToolTest):
         return tool.validated("list", result.stdout)["adapters"], tool.errors(result)
 
     def test_one_failing_adapter_does_not_end_a_listing(self):
-        adapters, errors = self.list_with(fault("TREL_MGMT_HBA_PORTATTRIBUTES", driver_status=BUSY))
+        adapters, errors = self.list_with(tool.fault("TREL_MGMT_HBA_PORTATTRIBUTES", driver_status=BUSY))
         self.assertEqual([record["problem"] is None for record in adapters], [True, False, True])
         self.assertEqual([record["driver_board"] for record in adapters], [2, 5, 9])
         self.assertIn("0xbad0039", adapters[1]["problem"])
@@ -117,7 +108,7 @@ class Failing(tool.ToolTest):
                                    "result_name": "DFC_UNSUPPORTED", "hint": "the driver is busy: try again"}])
 
     def test_a_failure_that_the_library_reports_as_success_is_noticed(self):
-        adapters, errors = self.list_with(fault("TREL_MGMT_HBA_ADAPTERATTRIBUTES", platform_status="0x77"))
+        adapters, errors = self.list_with(tool.fault("TREL_MGMT_HBA_ADAPTERATTRIBUTES", platform_status="0x77"))
         self.assertIsNone(adapters[1]["model"])
         self.assertEqual(adapters[1]["state"], "online")
         error, = errors
@@ -125,7 +116,7 @@ class Failing(tool.ToolTest):
                          ("GetAdapterAttributes", "0x00000077", 0, "HBA_STATUS_OK"))
 
     def test_show_prints_what_can_be_read(self):
-        path = self.scenario(tool.adapter(5), faults=[fault("TREL_MGMT_GET_TRELDFC_INFO", driver_status=BUSY)])
+        path = self.scenario(tool.adapter(5), faults=[tool.fault("TREL_MGMT_GET_TRELDFC_INFO", driver_status=BUSY)])
         document = self.json_of("show", "show", "0", code=1, VMKMGMT_SIM_SCENARIO=path)
         self.assertEqual(document["adapter"]["driver_board"], 5)
         self.assertEqual(document["port"]["state"], "online")
@@ -145,7 +136,7 @@ class Failing(tool.ToolTest):
                  (["set-state", "all", "1", "--yes"], "TREL_MGMT_SETDIAG", "SetDiagEnv", 0, None)]
         for arguments, callback, operation, code, name in cases:
             with self.subTest(arguments):
-                path = self.scenario(tool.adapter(5), faults=[fault(callback, driver_status=BUSY, times=1)])
+                path = self.scenario(tool.adapter(5), faults=[tool.fault(callback, driver_status=BUSY, times=1)])
                 result = tool.run(*arguments, "-o", "json", VMKMGMT_SIM_SCENARIO=path)
                 self.assert_exit(result, 1)
                 error, = tool.errors(result)
@@ -163,7 +154,7 @@ class Failing(tool.ToolTest):
 
     def test_module_information_and_revision_may_fail_alone(self):
         for callback, operation in (("TREL_MGMT_MOD_INFO", "ModInfo"), ("TREL_MGMT_CALL_VER", "CallVer")):
-            path = self.scenario(tool.adapter(5), faults=[fault(callback, driver_status=BUSY)])
+            path = self.scenario(tool.adapter(5), faults=[tool.fault(callback, driver_status=BUSY)])
             result = tool.run("version", "-o", "json", VMKMGMT_SIM_SCENARIO=path)
             self.assert_exit(result, 1)
             self.assertEqual([error["operation"] for error in tool.errors(result)], [operation])
@@ -176,7 +167,7 @@ class Failing(tool.ToolTest):
         self.assertEqual(len(tool.validated("ports", result.stdout)["ports"]), 2)
         self.assertIn("out of date; renewed", result.stderr)
 
-        path = self.scenario(tool.adapter(5, generation=3), faults=[fault("TREL_MGMT_HBA_REFRESHINFO", header={"arg4": 1})])
+        path = self.scenario(tool.adapter(5, generation=3), faults=[tool.fault("TREL_MGMT_HBA_REFRESHINFO", header={"arg4": 1})])
         result = tool.run("ports", "0", "--index", "0", "-o", "json", VMKMGMT_SIM_SCENARIO=path)
         self.assert_exit(result, 1)
         self.assertEqual(tool.errors(result)[0]["result_name"], "HBA_STATUS_ERROR_STALE_DATA")
@@ -184,13 +175,6 @@ class Failing(tool.ToolTest):
 
 class Changes(tool.ToolTest):
     """What changes an adapter asks first, and a dry run changes nothing."""
-
-    def traced(self, *arguments, callback, **options):
-        """Runs the tool and returns its result and its calls of one callback."""
-        trace = self.folder / f"{len(list(self.folder.iterdir()))}.trace"
-        result = tool.run(*arguments, VMKMGMT_SIM_TRACE=trace, **options)
-        calls = [json.loads(line) for line in trace.read_text(encoding="utf-8").splitlines()]
-        return result, [call for call in calls if call["callback"] == callback]
 
     def test_a_dry_run_says_what_it_would_do_and_sends_nothing(self):
         cases = [(["set-state", "0", "1"], "TREL_MGMT_SETDIAG", "set adapter 0 to mode 1"),
@@ -216,24 +200,20 @@ class Changes(tool.ToolTest):
         self.assertEqual(self.json_of("set-state", "set-state", "0", "0")["states"],
                          [{"adapter": 0, "driver_board": 1, "mode": 0, "set": False, "state": 1}])
 
-    def answered(self, answer):
+    def set_with_answer(self, answer):
         """Runs set-state on a terminal where somebody types an answer."""
-        controller, terminal = pty.openpty()
-        self.addCleanup(os.close, controller)
-        os.write(controller, answer)
-        result = tool.run("set-state", "0", "3", "-o", "json", stdin=terminal)
-        os.close(terminal)
+        result = self.answered(answer, "set-state", "0", "3", "-o", "json")
         self.assertIn("About to set adapter 0 to mode 3. Go ahead? [y/N] ", result.stderr)
         return result
 
     def test_yes_on_a_terminal_goes_ahead(self):
-        result = self.answered(b"y\n")
+        result = self.set_with_answer(b"y\n")
         self.assert_exit(result, 0)
         self.assertEqual(tool.validated("set-state", result.stdout)["states"][0]["state"], 4)
 
     def test_anything_else_on_a_terminal_changes_nothing(self):
         for answer in (b"n\n", b"\n", b"\x04"):
-            result = self.answered(answer)
+            result = self.set_with_answer(answer)
             self.assert_exit(result, 1)
             self.assertEqual(result.stdout, "")
 

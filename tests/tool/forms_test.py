@@ -32,24 +32,39 @@ ADAPTER_WWN = "10:00:00:5a:41:56:03:10"
 class Forms(tool.ToolTest):
     """The forms of output, compared with one another."""
 
+    commands = COMMANDS
+
+    def variables(self):
+        """The environment variables of every run."""
+        return {}
+
+    def run_tool(self, *arguments):
+        """Runs the tool, which must succeed, and returns what it prints."""
+        result = tool.run(*arguments, **self.variables())
+        self.assert_exit(result, 0)
+        return result.stdout
+
+    def document(self, name, arguments):
+        """The validated JSON output of a command."""
+        return self.json_of(name, *arguments, **self.variables())
+
     def test_json_satisfies_the_schema_of_its_command(self):
-        for arguments, name in COMMANDS:
+        for arguments, name in self.commands:
             with self.subTest(arguments):
-                document = self.json_of(name, *arguments)
+                document = self.document(name, arguments)
                 self.assertEqual(list(document)[:2], ["schema", "command"])
 
     def test_key_values_are_the_fields_of_the_json(self):
-        for arguments, name in COMMANDS:
+        for arguments, name in self.commands:
             with self.subTest(arguments):
-                result = tool.run(*arguments, "-o", "keyvalue")
-                self.assert_exit(result, 0)
-                self.assertEqual(tool.key_values(result.stdout), tool.flattened(self.json_of(name, *arguments)))
+                text = self.run_tool(*arguments, "-o", "keyvalue")
+                self.assertEqual(tool.key_values(text), tool.flattened(self.document(name, arguments)))
 
     def test_csv_holds_the_fields_of_the_json(self):
-        for arguments, name in COMMANDS:
+        for arguments, name in self.commands:
             with self.subTest(arguments):
-                document = self.json_of(name, *arguments)
-                header, *rows = tool.csv_rows(tool.run(*arguments, "-o", "csv").stdout)
+                document = self.document(name, arguments)
+                header, *rows = tool.csv_rows(self.run_tool(*arguments, "-o", "csv"))
                 sections = [content for key, content in document.items() if key not in ("schema", "command")]
                 if len(sections) > 1:
                     self.assertEqual(header, ["field", "value"])
@@ -60,10 +75,10 @@ class Forms(tool.ToolTest):
                                  [{key: tool.plain(value) for key, value in record.items()} for record in records])
 
     def test_tables_show_as_many_fields_as_the_json_has(self):
-        for arguments, name in COMMANDS:
+        for arguments, name in self.commands:
             with self.subTest(arguments):
-                document = self.json_of(name, *arguments)
-                text = tool.run(*arguments).stdout
+                document = self.document(name, arguments)
+                text = self.run_tool(*arguments)
                 shown = [line for line in text.splitlines() if line and not line.startswith(" ")]
                 for section, content in document.items():
                     if isinstance(content, dict):
@@ -80,22 +95,11 @@ class Forms(tool.ToolTest):
                 and value and " " not in value]
 
     def test_tables_fit_the_screen(self):
-        for arguments, _ in COMMANDS:
+        for arguments, _ in self.commands:
             with self.subTest(arguments):
-                for line in tool.run(*arguments).stdout.splitlines():
+                for line in self.run_tool(*arguments).splitlines():
                     self.assertLessEqual(len(line), WIDTH, line)
                     self.assertEqual(line, line.rstrip())
-
-    def test_no_header_leaves_the_titles_out(self):
-        self.assertTrue(tool.run("list").stdout.startswith("#  BOARD"))
-        self.assertTrue(tool.run("list", "--no-header").stdout.startswith("0  "))
-        self.assertTrue(tool.run("list", "-o", "csv").stdout.startswith("index,driver_board,"))
-        self.assertTrue(tool.run("list", "-o", "csv", "--no-header").stdout.startswith("0,1,"))
-
-    def test_output_does_not_depend_on_the_locale(self):
-        for form in tool.FORMS:
-            self.assertEqual(tool.run("show", "0", "-o", form, LC_ALL="de_DE.UTF-8", LANG="tr_TR.UTF-8").stdout,
-                             tool.run("show", "0", "-o", form, LC_ALL="C").stdout)
 
 
 class Contents(tool.ToolTest):
@@ -145,6 +149,17 @@ class Contents(tool.ToolTest):
         document = self.json_of("log", "--log", "10")
         self.assertIn("LogLevel 0xa", document["log"]["switch_on"])
         self.assertEqual([line_class["bit"] for line_class in document["classes"] if line_class["enabled"]], [2, 8])
+
+    def test_no_header_leaves_the_titles_out(self):
+        self.assertTrue(tool.run("list").stdout.startswith("#  BOARD"))
+        self.assertTrue(tool.run("list", "--no-header").stdout.startswith("0  "))
+        self.assertTrue(tool.run("list", "-o", "csv").stdout.startswith("index,driver_board,"))
+        self.assertTrue(tool.run("list", "-o", "csv", "--no-header").stdout.startswith("0,1,"))
+
+    def test_output_does_not_depend_on_the_locale(self):
+        for form in tool.FORMS:
+            self.assertEqual(tool.run("show", "0", "-o", form, LC_ALL="de_DE.UTF-8", LANG="tr_TR.UTF-8").stdout,
+                             tool.run("show", "0", "-o", form, LC_ALL="C").stdout)
 
     def test_global_options_may_stand_before_the_command_and_after_it(self):
         self.assertEqual(tool.run("-o", "json", "list").stdout, tool.run("list", "-o", "json").stdout)

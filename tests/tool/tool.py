@@ -8,6 +8,7 @@ import io
 import json
 import os
 import pathlib
+import pty
 import subprocess
 import sys
 import tempfile
@@ -16,7 +17,7 @@ import unittest
 import jsonschema
 
 PROGRAM = pathlib.Path(sys.argv[1])
-SCHEMAS = pathlib.Path(sys.argv[2])
+SCHEMAS = pathlib.Path(sys.argv[2]).resolve()
 FORMS = ["table", "json", "csv", "keyvalue"]
 
 
@@ -47,7 +48,9 @@ def schema(name):
 def validated(name, text):
     """Output in JSON, which must satisfy its schema."""
     document = json.loads(text)
-    jsonschema.validate(document, schema(name), jsonschema.Draft202012Validator)
+    rules = schema(name)
+    resolver = jsonschema.RefResolver(f"{SCHEMAS.as_uri()}/", rules)  # what several commands report alike stands in one file
+    jsonschema.Draft202012Validator(rules, resolver=resolver).validate(document)
     return document
 
 
@@ -92,6 +95,11 @@ def key_values(text):
     return dict(line.split(": ", 1) for line in text.splitlines())
 
 
+def fault(callback, **fields):
+    """A fault of a scenario."""
+    return {"callback": callback} | fields
+
+
 def remote_port(number):
     """A port that adapters discover."""
     return {"wwnn": f"50:00:00:00:00:00:00:{number:02x}", "wwpn": f"50:00:00:00:00:00:01:{number:02x}",
@@ -125,6 +133,23 @@ class ToolTest(unittest.TestCase):
     def assert_exit(self, result, code):
         """Compares the exit code; shows the output otherwise."""
         self.assertEqual(result.returncode, code, f"\n{result.stdout}\n{result.stderr}")
+
+    def traced(self, *arguments, callback, **options):
+        """Runs the tool and returns its result and its calls of one callback."""
+        trace = self.folder / f"{len(list(self.folder.iterdir()))}.trace"
+        result = run(*arguments, VMKMGMT_SIM_TRACE=trace, **options)
+        # A command line that is wrong reaches no driver, and then there is no trace.
+        lines = trace.read_text(encoding="utf-8").splitlines() if trace.exists() else []
+        return result, [call for call in map(json.loads, lines) if call["callback"] == callback]
+
+    def answered(self, answer, *arguments, **options):
+        """Runs the tool on a terminal where somebody types an answer."""
+        controller, terminal = pty.openpty()
+        self.addCleanup(os.close, controller)
+        os.write(controller, answer)
+        result = run(*arguments, stdin=terminal, **options)
+        os.close(terminal)
+        return result
 
     def json_of(self, name, *arguments, code=0, **options):
         """The validated JSON output of a command."""

@@ -141,7 +141,7 @@ std::vector<Field> region23_fields(const std::optional<Region23Image>& image) {
 
 std::vector<Field> default_region23_fields() {
   return fields_of({.image = kRegion23Signature,
-                    .fcoe = FcoeParameters{.fc_map = {0x0E, 0xFC, 0x00}, .vlan = std::nullopt},
+                    .fcoe = FcoeParameters{.fc_map = {0x0E, 0xFC, 0x00}, .vlan = 0},
                     .connect_entries = 0,
                     .stays_down = false});
 }
