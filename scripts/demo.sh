@@ -12,3 +12,13 @@ show vaskdfc list
 show vaskdfc show 0
 show vaskdfc ports 1 --discovered
 show vaskdfc -o json list
+
+# Changes are written to files here and outlive each command, as in an adapter's non-volatile memory.
+state=$(mktemp -d)
+trap 'rm -rf "$state"' EXIT
+export VMKMGMT_SIM_STATE="$state"
+
+show vaskdfc fcoe params get 0
+show vaskdfc fcoe params set 0 --vlan 1002 --yes
+show vaskdfc fcoe params get 0
+show vaskdfc region show 0 23

@@ -29,8 +29,8 @@ class Sending(tool.ToolTest):
         document, _, calls = self.sent("3", READ_LINK, "7", "0x8")
         self.assertEqual([(call["in"]["arg2"], call["in"]["arg3"]) for call in calls], [(12, 128)])
         self.assertEqual(document["words"][0]["sent"], ["0x00000200", "0x00000007", "0x00000008"])
-        self.assertEqual(document["words"][0]["received"][:3], ["0x00000200", "0x00000002", "0x00010c00"])
-        self.assertEqual(len(document["words"]), 8)
+        self.assertEqual(document["words"][0]["received"], ["0x00000200", "0x00000002", "0x00010c00"])
+        self.assertEqual(len(self.sent("3", READ_LINK, *["0"] * 31)[0]["words"]), 8)
 
     def test_a_file_holds_little_endian_words(self):
         path = self.folder / "mailbox.bin"
@@ -52,12 +52,15 @@ class Sending(tool.ToolTest):
         self.assertEqual(self.sent("3", UNKNOWN, code=1)[1][0]["operation"], "DFC_IssueMboxWithRetry")
 
     def test_statuses_of_the_library_are_told_from_the_adapters(self):
-        cases = [("0x0BAD0039", 253, "the library's: the driver is busy", "DFC_MBOX_GAVE_UP"),
-                 ("0x0BAD0004", 254, "the library's: driver status 0xbad0004", "DFC_MBOX_GAVE_UP"),
-                 ("0x0BAD005A", 252, "the library's: the call failed or a limit was exceeded", "DFC_MBOX_NOT_TAKEN"),
-                 ("0x0BAD0001", 252, "the library's: the call failed or a limit was exceeded", "DFC_MBOX_GAVE_UP")]
-        for driver_status, status, meaning, name in cases:
+        failed = "the library's: the call failed or a limit was exceeded"
+        cases = [("0x0BAD0039", 253, "the library's: the driver is busy"),
+                 ("0x0BAD0004", 254, "the library's: driver status 0xbad0004"),
+                 ("0x0BAD005A", 252, failed), ("0x0BAD0001", 252, failed)]
+        for driver_status, status, meaning in cases:
             for sli_mode in (3, 4):
+                # Only the older generation's wrapper tells a mailbox that the driver does not take from one that failed.
+                not_taken = (driver_status, sli_mode) == ("0x0BAD005A", 3)
+                name = "DFC_MBOX_NOT_TAKEN" if not_taken else "DFC_MBOX_GAVE_UP"
                 with self.subTest(driver_status=driver_status, sli_mode=sli_mode):
                     path = self.scenario(tool.adapter(5, sli_mode=sli_mode), faults=[tool.fault(MAILBOX, driver_status=driver_status)])
                     document, errors, _ = self.sent("0", READ_LINK, "--delay", "0", code=1, VMKMGMT_SIM_SCENARIO=path)

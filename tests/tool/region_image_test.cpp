@@ -13,11 +13,13 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::size_t kRegion22Bytes = 512;
 constexpr std::size_t kRegion23Bytes = 1024;
 
-Bytes image23(const Bytes& records) {
-  Bytes image{'R', 'G', '2', '3', 1, 0, 0, 0};
-  image.insert(image.end(), records.begin(), records.end());
-  return image;
+Bytes joined(const Bytes& first, const Bytes& second) {
+  Bytes both(first.size() + second.size());
+  std::ranges::copy(second, std::ranges::copy(first, both.begin()).out);
+  return both;
 }
+
+Bytes image23(const Bytes& records) { return joined({'R', 'G', '2', '3', 1, 0, 0, 0}, records); }
 
 Region23Record fcoe_record(std::uint8_t flags, std::uint8_t vlan_low, std::uint8_t vlan_high) {
   return {.offset = 8, .bytes = {0xA0, 2, 1, flags, 0x0E, 0xFC, 0x07, 0, vlan_low, vlan_high, 0, 0}};
@@ -106,11 +108,7 @@ TEST(RegionImage, decodes_the_connect_entries_in_use) {
 }
 
 TEST(RegionImage, decodes_the_link_flag_that_is_in_use) {
-  const auto down = [](Bytes data) {
-    Region23Record record{.offset = 8, .bytes = {0xA2, 2, 0x20, 0}};
-    record.bytes.insert(record.bytes.end(), data.begin(), data.end());
-    return link_kept_down_in(record);
-  };
+  const auto down = [](const Bytes& data) { return link_kept_down_in({.offset = 8, .bytes = joined({0xA2, 2, 0x20, 0}, data)}); };
   EXPECT_EQ(down({1, 0, 1, 0, 1, 0, 0, 0}), false);
   EXPECT_EQ(down({1, 0, 0, 0, 1, 0, 1, 0}), true);
   EXPECT_EQ(down({0, 0, 0, 0, 1, 0, 1, 0}), false);

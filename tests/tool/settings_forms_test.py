@@ -29,7 +29,6 @@ COMMANDS = [
     (["fcoe", "params", "set", "0", "--vlan", "1002", "--fc-map", "0e:fc:01", "--yes"], "fcoe-params-set"),
     (["fcoe", "params", "set", "0", "--no-vlan", "--dry-run"], "fcoe-params-set"),
     (["fcoe", "fcf", "list", "0"], "fcoe-fcf-list"),
-    (["fcoe", "fcf", "list", "1"], "fcoe-fcf-list"),
     (["fcoe", "connect", "list", "0"], "fcoe-connect-list"),
     (["fcoe", "connect", "list", "1"], "fcoe-connect-list"),
     (["fcoe", "connect", "add", "0", "--vlan", "7", "--names", *WWNS, "--yes"], "fcoe-connect-add"),

@@ -282,6 +282,11 @@ class Forwarders(SettingTest):
         fcfs = self.json_of("fcoe-fcf-list", "fcoe", "fcf", "list", "0", **settings)["fcfs"]
         self.assertEqual([record["vlans"] for record in fcfs], ["1,100-104,4094-4095", "0", ""])
 
+    def test_an_adapter_that_knows_no_forwarders_says_so(self):
+        result = tool.run("fcoe", "fcf", "list", "1", "-o", "json")  # the newer generation, but not of an FCoE type
+        self.assert_exit(result, 1)
+        self.assertEqual(tool.errors(result)[0]["message"], "the forwarders cannot be read")
+
     def test_a_list_that_ends_early_says_so(self):
         settings = self.settings(tool.fault(FCF_LIST, driver_status="0x0BAD0039", call=3), fcfs=[fcf(number) for number in range(5)])
         result = tool.run("fcoe", "fcf", "list", "0", "-o", "json", **settings)

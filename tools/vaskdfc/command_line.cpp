@@ -33,6 +33,14 @@ std::string examples_text(const std::vector<std::string>& examples) {
   return fmt::format("EXAMPLES\n  {}\n\n", fmt::join(examples, "\n  "));
 }
 
+Failure command_missing(const CLI::App& group, const std::string& name) {
+  std::vector<std::string> commands;
+  for (const CLI::App* command : group.get_subcommands([](const CLI::App*) { return true; }))
+    commands.push_back(command->get_name());
+  return usage_failure(fmt::format("\"{}\" needs a command: {}", name, fmt::join(commands, ", ")),
+                       fmt::format("vaskdfc {} --help", name));
+}
+
 void show_driver_call(const DriverCall& call) {
   std::cerr << fmt::format("driver call {}: board {}, platform status 0x{:x}, driver status 0x{:x}, {} us\n", call.callback,
                            call.header.brdno, call.platform_status, call.header.status, call.duration.count());
@@ -134,7 +142,10 @@ CLI::App& CommandLine::subcommand(const std::string& name, const std::string& su
 }
 
 void CommandLine::group(const std::string& name, const std::string& summary, const std::vector<std::string>& examples) {
-  subcommand(name, summary, examples).require_subcommand(1);
+  CLI::App& added = subcommand(name, summary, examples);
+  added.callback([this, &added, name] {
+    if (added.get_subcommands().empty()) action_ = [&added, name](Context&) { throw command_missing(added, name); };
+  });
 }
 
 CLI::App& CommandLine::add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,

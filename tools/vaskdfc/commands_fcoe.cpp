@@ -121,7 +121,7 @@ Forwarders read_forwarders(std::uint32_t adapter) {
     if (result == DFC_OK) return {list.entries(room), list.get()->listStatus};
     room = list.get()->numEntries;
   }
-  throw operation_failure("the list of forwarders cannot be read", adapter, "DFC_FCoEGetFCFList", Results::kRegion, result);
+  throw operation_failure("the forwarders cannot be read", adapter, "DFC_FCoEGetFCFList", Results::kRegion, result);
 }
 
 // VLAN ids of a bitmap as ranges, as in 1,100-104.
@@ -161,8 +161,10 @@ void list_forwarders(Context& context, const std::string& name) {
   const Forwarders forwarders = read_forwarders(adapter);
   // A failure of the driver ends the list without a word.
   if (last_failed_driver_call()) {
-    context.report_failure(operation_failure("the list of forwarders ends early: the driver failed", adapter, "DFC_FCoEGetFCFList",
-                                             Results::kRegion, DFC_OK));
+    const bool none = forwarders.entries.empty();
+    context.report_failure(
+        operation_failure(none ? "the forwarders cannot be read" : "the list of forwarders ends early: the driver failed", adapter,
+                          "DFC_FCoEGetFCFList", Results::kRegion, DFC_OK));
   }
   context.print({.command = "fcoe fcf list",
                  .sections = {record_section("list", "List",

@@ -126,15 +126,14 @@ Cell words_cell(std::span<const std::uint32_t> words) {
   return {texts, fmt::format("{}", fmt::join(texts, " "))};
 }
 
+// As many words come back as were sent.
 Section words_section(const Mailbox& mailbox) {
   constexpr std::size_t kWordsPerLine = 4;
   Section section = table_section("words", "Words", {{"offset", "OFFSET"}, {"sent", "SENT"}, {"received", "RECEIVED"}});
-  const std::size_t count = mailbox.is_newer() ? DFC_MBOX_WORDS : kOlderWords;
-  for (std::size_t at = 0; at < count; at += kWordsPerLine) {
-    const auto sent = std::span(mailbox.sent).subspan(std::min(at, mailbox.sent.size()));
-    section.records.push_back({number_cell(at * sizeof(std::uint32_t)),
-                               words_cell(sent.first(std::min(sent.size(), kWordsPerLine))),
-                               mailbox.result ? words_cell(std::span(mailbox.words).subspan(at, kWordsPerLine)) : absent()});
+  for (std::size_t at = 0; at < mailbox.sent.size(); at += kWordsPerLine) {
+    const std::size_t count = std::min(kWordsPerLine, mailbox.sent.size() - at);
+    section.records.push_back({number_cell(at * sizeof(std::uint32_t)), words_cell(std::span(mailbox.sent).subspan(at, count)),
+                               mailbox.result ? words_cell(std::span(mailbox.words).subspan(at, count)) : absent()});
   }
   return section;
 }
@@ -190,8 +189,7 @@ void run(Context& context, const Arguments& arguments) {
 }  // namespace
 
 void add_mailbox_commands(CommandLine& commands) {
-  const std::vector<std::string> examples{"vaskdfc mailbox send 0 0x200",
-                                          "vaskdfc mailbox send 3 --file mailbox.bin --dry-run",
+  const std::vector<std::string> examples{"vaskdfc mailbox send 0 0x200", "vaskdfc mailbox send 3 0x200 0 0 0", "vaskdfc mailbox send 3 --file mailbox.bin --dry-run",
                                           "vaskdfc mailbox send 0 0x200 --retries 5 --delay 1000 --yes"};
   commands.group("mailbox", "Send mailboxes to an adapter", examples);
   auto arguments = std::make_shared<Arguments>();
