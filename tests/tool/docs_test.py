@@ -6,6 +6,7 @@ import re
 import subprocess
 import tempfile
 
+import images
 import tool
 
 PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs/tool.md"
@@ -35,6 +36,13 @@ class Documentation(tool.ToolTest):
                                         env=variables, timeout=60, check=False)
                 errors.seek(0)
                 self.assertEqual((result.stdout + errors.read()).decode().rstrip("\n"), shown)
+
+    def test_a_refused_write_fails_as_the_page_shows(self):
+        path = self.scenario(tool.adapter(1, regions=[images.of_region23(vlan=1002)]),
+                             faults=[tool.fault("TREL_MGMT_HBA_ISSUE_UPD_MBX", driver_status="0x0BAD0020")])
+        result = tool.run("fcoe", "params", "set", "0", "--vlan", "8", "--yes", VMKMGMT_SIM_SCENARIO=path)
+        self.assert_exit(result, 1)
+        self.assertIn(f"```\n{result.stderr}```\n", PAGE.read_text(encoding="utf-8"))
 
     def test_the_page_has_commands(self):
         self.assertGreater(len(list(examples())), 10)

@@ -3,7 +3,10 @@
 import tool
 
 BUSY = "0x0BAD0039"
-HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test", "set-state", "refresh"]
+HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test", "set-state", "refresh", "mailbox send",
+                 "region list", "region dump", "region show", "region init", "region write", "linkdown get", "linkdown set",
+                 "fcoe params get", "fcoe params set", "fcoe fcf list", "fcoe connect list", "fcoe connect add",
+                 "fcoe connect remove", "fcoe connect clear"]
 
 
 class Usage(tool.ToolTest):
@@ -36,13 +39,15 @@ class Usage(tool.ToolTest):
         self.assertEqual(self.json_of("log-message", "log-message", text)["message"], {"text": text, "sent": True})
 
     def test_help_has_examples_and_exit_codes(self):
-        for arguments in [[], *([command] for command in HELP_COMMANDS)]:
-            result = tool.run(*arguments, "--help")
+        groups = {command.rpartition(" ")[0] for command in HELP_COMMANDS}
+        for command in [*HELP_COMMANDS, *groups, "fcoe"]:
+            result = tool.run(*command.split(), "--help")
             self.assert_exit(result, 0)
             self.assertIn("EXAMPLES\n  vaskdfc ", result.stdout)
             self.assertIn("EXIT CODES\n  0  done\n", result.stdout)
         for command in HELP_COMMANDS:
-            self.assertIn(command, tool.run("--help").stdout)
+            *group, name = command.split()
+            self.assertRegex(tool.run(*group, "--help").stdout, rf"(?m)^  {name} ")
         self.assertEqual(tool.run("--version").stdout, "vaskdfc 11.4.1080.0, library 11.4.1080.0\n")
 
 

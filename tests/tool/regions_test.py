@@ -58,7 +58,8 @@ class Reading(RegionTest):
             document = self.json_of("region-dump", "region", "dump", adapter, "23", VMKMGMT_SIM_SCENARIO=path)
             self.assertEqual(document["region"]["bytes"], 1024)
             self.assertEqual(bytes.fromhex("".join(line["bytes"] for line in document["lines"])), image)
-            self.assertEqual(document["lines"][4], {"offset": "00000040", "bytes": image[64:80].hex(" "), "text": "@ABCDEFGHIJKLMNO"})
+            self.assertEqual(document["lines"][4],
+                             {"offset": "00000040", "bytes": image[64:80].hex(" "), "text": "@ABCDEFGHIJKLMNO"})
             self.assertEqual(document["lines"][1]["text"], "." * 16)
 
     def test_a_dump_to_a_file_is_whole_or_not_there(self):
@@ -112,10 +113,11 @@ class Reading(RegionTest):
 
     def test_an_image_of_region_23_that_is_not_valid_says_why(self):
         unknown = images.record(0x42, b"unknown!")
+        broken = b"RG23\1\0\0\0" + images.fcoe_record() + b"\xa1\xff" + bytes(982) + b"\xa2\xff\0\0"
         cases = [(images.chain(signature=b"RG22"), "the signature is not RG23", 0, False),
                  (images.chain(version=2), "the version is not 1", 0, False),
                  (images.chain(unknown), None, 1, False),
-                 (b"RG23\1\0\0\0" + images.fcoe_record() + b"\xa1\xff" + bytes(982) + b"\xa2\xff\0\0", "longer than the image", 1, False)]
+                 (broken, "the record at offset 20 is longer than the image", 1, False)]
         for image, problem, records, used in cases:
             with self.subTest(problem):
                 document = self.shown(image)
@@ -258,7 +260,9 @@ class Writing(RegionTest):
         cases = [(["show", "0", "14"], '"14" is not 22 or 23'), (["init", "0", "14"], '"14" is not 22 or 23'),
                  (["write", "0", "23", "-f", file], '"23" is not 14 or 22'), (["dump", "0", "x"], "REGION"),
                  (["write", "0", "14"], "--file"), (["write", "0", "14", "-f", file], "999 bytes"),
-                 (["write", "0", "22", "-f", file], "too long"), (["no-such"], "no-such"), ([], '"region" needs a command: list, show, dump, init, write')]
+                 (["write", "0", "22", "-f", file], "too long"), (["no-such"], "no-such"),
+                 ([], '"region" needs a command: list, show, dump, init, write'),
+                 (["list", "0", "show", "0", "23"], "not expected")]
         file.write_bytes(bytes(999))
         for arguments, words in cases:
             with self.subTest(arguments):

@@ -143,6 +143,7 @@ CLI::App& CommandLine::subcommand(const std::string& name, const std::string& su
 
 void CommandLine::group(const std::string& name, const std::string& summary, const std::vector<std::string>& examples) {
   CLI::App& added = subcommand(name, summary, examples);
+  added.require_subcommand(0, 1);  // none is an error of its own, below
   added.callback([this, &added, name] {
     if (added.get_subcommands().empty()) action_ = [&added, name](Context&) { throw command_missing(added, name); };
   });

@@ -154,10 +154,6 @@ void add_fcoe_connect_commands(CommandLine& commands) {
     return added;
   };
   command("fcoe connect list", "List the entries", {"vaskdfc fcoe connect list 0"}, list);
-  command("fcoe connect clear", "Remove all entries", {"vaskdfc fcoe connect clear 0"}, clear);
-  command("fcoe connect remove", "Remove the entry at a position", {"vaskdfc fcoe connect remove 0 1"}, remove_entry)
-      .add_option("POSITION", arguments->position, "Position of the entry, from 0")
-      ->required();
 
   CLI::App& add = command("fcoe connect add", "Add an entry at the end", add_examples, add_entry);
   add.add_option("--vlan", arguments->vlan, "VLAN id to use, 0 to 4095")->type_name("ID")->required();
@@ -166,6 +162,11 @@ void add_fcoe_connect_commands(CommandLine& commands) {
       ->expected(1, 2)
       ->required();
   add.add_option("--flags", arguments->flags, "Flags of the entry, 0 to 0x3f; bit 0 is always set")->type_name("FLAGS");
+
+  command("fcoe connect remove", "Remove the entry at a position", {"vaskdfc fcoe connect remove 0 1"}, remove_entry)
+      .add_option("POSITION", arguments->position, "Position of the entry, from 0")
+      ->required();
+  command("fcoe connect clear", "Remove all entries", {"vaskdfc fcoe connect clear 0"}, clear);
 }
 
 }  // namespace vaskdfc::tool

@@ -189,7 +189,8 @@ void run(Context& context, const Arguments& arguments) {
 }  // namespace
 
 void add_mailbox_commands(CommandLine& commands) {
-  const std::vector<std::string> examples{"vaskdfc mailbox send 0 0x200", "vaskdfc mailbox send 3 0x200 0 0 0", "vaskdfc mailbox send 3 --file mailbox.bin --dry-run",
+  const std::vector<std::string> examples{"vaskdfc mailbox send 0 0x200", "vaskdfc mailbox send 3 0x200 0 0 0",
+                                          "vaskdfc mailbox send 3 --file mailbox.bin --dry-run",
                                           "vaskdfc mailbox send 0 0x200 --retries 5 --delay 1000 --yes"};
   commands.group("mailbox", "Send mailboxes to an adapter", examples);
   auto arguments = std::make_shared<Arguments>();
