@@ -16,6 +16,7 @@ show vaskdfc -o json list
 # Changes are written to files here and outlive each command, as in an adapter's non-volatile memory.
 state=$(mktemp -d)
 trap 'rm -rf "$state"' EXIT
+trap 'exit 1' INT TERM
 export VMKMGMT_SIM_STATE="$state"
 
 show vaskdfc fcoe params get 0

@@ -166,7 +166,7 @@ class LinkDown(SettingTest):
             self.assertIn("not offered", error["hint"])
 
     def test_results_of_the_older_generation_are_those_of_its_mailboxes(self):
-        # One mailbox reads the eight pieces of the region; the command reads it twice before it writes.
+        # Eight mailboxes read the region, once for the tool and once for the library; the next one writes it.
         settings = self.settings(tool.fault(MAILBOX, board=7, call=17, times=1, driver_status="0x0BAD0020"))
         result = tool.run("linkdown", "set", "1", "on", "--yes", "-o", "json", **settings)
         self.assert_exit(result, 1)

@@ -88,19 +88,17 @@ void set_params(Context& context, const ParamsArguments& arguments) {
 
 // --- fcoe fcf
 
-// A list with room for `room` forwarders, on words so that it is aligned.
+// A list with room for `room` forwarders.
 class FcfList {
  public:
-  explicit FcfList(std::uint16_t room) : storage_((sizeof(dfc_fcf_list) + room * sizeof(fcf_entry)) / sizeof(std::uint32_t)) {
-    get()->numEntries = room;
-  }
+  explicit FcfList(std::uint16_t room) : storage_(sizeof(dfc_fcf_list) + room * sizeof(fcf_entry)) { get()->numEntries = room; }
   dfc_fcf_list* get() { return reinterpret_cast<dfc_fcf_list*>(storage_.data()); }
   std::vector<fcf_entry> entries(std::size_t room) {
     return {get()->entries, get()->entries + std::min<std::size_t>(get()->numEntries, room)};
   }
 
  private:
-  std::vector<std::uint32_t> storage_;
+  std::vector<std::uint8_t> storage_;  // aligned for anything, as all allocated memory is
 };
 
 struct Forwarders {

@@ -17,6 +17,9 @@
 namespace vaskdfc::tool {
 namespace {
 
+// Whether region 22 is written by a mailbox is a matter of the adapter's type, not of its generation.
+constexpr Results kRegion22Results = Results::kMailbox;
+
 using Image = std::vector<std::uint8_t>;
 
 struct Arguments {
@@ -65,7 +68,7 @@ void init(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   Setting setting = setting_of("region init", adapter, region, fmt::format("write the initial image to region {}", region));
-  setting.results = results_of_writes(read_driver(adapter).sli_mode);
+  setting.results = region == 22 ? kRegion22Results : results_of_writes(read_driver(adapter).sli_mode);
   setting.operation = region == 22 ? "DFC_InitR22" : "DFC_InitR23";
   setting.write = [=] { return region == 22 ? DFC_InitR22(adapter) : DFC_InitR23(adapter); };
   change(context, setting, setting.read(), region == 22 ? region22_fields(blank_region22()) : default_region23_fields());
@@ -114,7 +117,7 @@ void write22(Context& context, std::uint32_t adapter, Region22Image image) {
     image.head = head;
   }
   Setting setting = setting_of("region write", adapter, 22, "write the entries of region 22");
-  setting.results = results_of_writes(read_driver(adapter).sli_mode);
+  setting.results = kRegion22Results;
   setting.operation = "DFC_SetRegion22";
   setting.write = [=, entries = entries_of(image)] {
     return DFC_SetRegion22(adapter, entries.data(), static_cast<std::uint32_t>(entries.size()));
