@@ -1,8 +1,6 @@
 #include "mailbox/issue_mbox.h"
 
-#include <numeric>
-
-#include "mailbox/mailbox_words.h"
+#include "mailbox/mailboxes.h"
 #include "support/adapter_test.h"
 #include "vaskdfc/mailbox.h"
 #include "vaskdfc/result.h"
@@ -12,26 +10,14 @@ namespace {
 
 using test::bytes_of;
 using test::ByteVector;
-using Words = std::vector<std::uint32_t>;
+using test::travelling;
+using test::Words;
 
 constexpr const char* kMbox = "TREL_MGMT_MBOX";
 constexpr const char* kOtherName = "TREL_MGMT_INDUCE_DUMP";
 
-// A mailbox whose words are all different; command 5, status 0xAAAA.
-Words caller_mailbox(std::size_t words) {
-  Words mailbox(words);
-  std::iota(mailbox.begin(), mailbox.end(), 0x11110000u);
-  mailbox[0] = 0xAAAA0501;
-  return mailbox;
-}
-
-// The first words of a mailbox on its way, the rest 0.
-Mailbox padded(const Words& words, std::size_t travelling, std::uint16_t status = 0) {
-  Mailbox mailbox{};
-  std::copy_n(words.begin(), travelling, mailbox.words);
-  set_status(mailbox.words, status);
-  return mailbox;
-}
+// Command 5, status 0xAAAA.
+Words caller_mailbox(std::size_t words) { return test::numbered_mailbox(words, 0xAAAA0501); }
 
 class IssueMboxTest : public test::AdapterTest {
  protected:
@@ -52,7 +38,7 @@ TEST_F(IssueMboxTest, sends_the_words_zero_padded_and_copies_as_many_back) {
   Mailbox reply{};
   std::ranges::fill(reply.words, 0x22222222u);
   set_status(reply.words, 0);
-  driver.expect(answered(call(padded(mailbox, 3), 12, 128), reply));
+  driver.expect(answered(call(travelling(mailbox, 3), 12, 128), reply));
   start_log();
 
   EXPECT_EQ(_IssueMbox(kBoard, mailbox.data(), 3, 128, 3), DFC_OK);
@@ -77,7 +63,7 @@ TEST_F(IssueMboxTest, limits_words_and_reply_by_the_sli_mode) {
     SCOPED_TRACE(testing::Message() << limit.sli_mode << " " << limit.words << " " << limit.reply_bytes);
     Words mailbox = caller_mailbox(513);
     if (limit.is_accepted) {
-      const Mailbox sent = padded(mailbox, std::min(limit.words, 64u));
+      const Mailbox sent = travelling(mailbox, std::min(limit.words, 64u));
       driver.expect(answered(call(sent, limit.words * 4, limit.reply_bytes), sent));
     }
     EXPECT_EQ(_IssueMbox(kBoard, mailbox.data(), limit.words, limit.reply_bytes, limit.sli_mode),
@@ -93,7 +79,7 @@ TEST_F(IssueMboxTest, copies_64_words_at_most_in_both_directions) {
   Mailbox reply{};
   std::ranges::fill(reply.words, 0x33330000u);
   set_status(reply.words, 0);
-  driver.expect(answered(call(padded(mailbox, 64), 400, 400), reply));
+  driver.expect(answered(call(travelling(mailbox, 64), 400, 400), reply));
 
   EXPECT_EQ(_IssueMbox(kBoard, mailbox.data(), 100, 400, 4), DFC_OK);
   Words expected = caller_mailbox(100);
@@ -103,7 +89,7 @@ TEST_F(IssueMboxTest, copies_64_words_at_most_in_both_directions) {
 
 TEST_F(IssueMboxTest, keeps_the_status_with_which_the_adapter_completes_a_mailbox) {
   Words mailbox = caller_mailbox(4);
-  driver.expect(answered(call(padded(mailbox, 4), 16, 16), padded(mailbox, 4, 0x1234)));
+  driver.expect(answered(call(travelling(mailbox, 4), 16, 16), travelling(mailbox, 4, 0x1234)));
   EXPECT_EQ(_IssueMbox(kBoard, mailbox.data(), 4, 16, 3), DFC_FAILED);
   EXPECT_EQ(status_of(mailbox.data()), 0x1234);
 }
@@ -123,7 +109,7 @@ TEST_F(IssueMboxTest, turns_failures_of_the_call_into_mailbox_statuses) {
   for (const FailedCall& failed : kFailedCalls) {
     SCOPED_TRACE(failed.driver_status);
     Words mailbox = caller_mailbox(4);
-    auto expected = answered(call(padded(mailbox, 4), 16, 16), {{0x77770502, 0x44444444}});
+    auto expected = answered(call(travelling(mailbox, 4), 16, 16), {{0x77770502, 0x44444444}});
     expected.platform_status = failed.platform_status;
     expected.driver_status = failed.driver_status;
     driver.expect(expected);
@@ -146,7 +132,7 @@ TEST_F(IssueMboxTest, leaves_the_mailbox_alone_without_memory) {
 
 TEST_F(IssueMboxTest, asks_for_the_mode_and_sends_to_older_adapters) {
   Words mailbox = caller_mailbox(32);
-  const Mailbox sent = padded(mailbox, 32);
+  const Mailbox sent = travelling(mailbox, 32);
   expect_driver_info(3);
   driver.expect(answered(call(sent, 128, 64), sent));
   EXPECT_EQ(IssueMbox(kBoard, mailbox.data(), 32, 64), DFC_OK);
@@ -191,7 +177,7 @@ TEST_F(IssueMboxExTest, sends_32_words_of_any_mailbox_and_extension_data_in_both
   Mailbox reply{};
   std::ranges::fill(reply.words, 0x55555555u);
   set_status(reply.words, 0);
-  auto expected = call(padded(mailbox, 32), extension_block(8, 12, 9, ByteVector(8, 0xE1)));
+  auto expected = call(travelling(mailbox, 32), extension_block(8, 12, 9, ByteVector(8, 0xE1)));
   expected.payload[1] = bytes_of(reply);
   expected.payload[2] = extension_block(8, 12, 9, ByteVector(2048, 0xE2));
   driver.expect(expected);
@@ -209,8 +195,8 @@ TEST_F(IssueMboxExTest, sends_32_words_of_any_mailbox_and_extension_data_in_both
 
 TEST_F(IssueMboxExTest, needs_no_extension_area_without_words) {
   Words mailbox = caller_mailbox(32);
-  auto expected = call(padded(mailbox, 32), extension_block(0, 0, 0, {}));
-  expected.payload[1] = bytes_of(padded(mailbox, 32));
+  auto expected = call(travelling(mailbox, 32), extension_block(0, 0, 0, {}));
+  expected.payload[1] = bytes_of(travelling(mailbox, 32));
   driver.expect(expected);
   EXPECT_EQ(IssueMboxEx(kBoard, mailbox.data(), nullptr, 0, 0, 0), DFC_OK);
 }
@@ -218,8 +204,8 @@ TEST_F(IssueMboxExTest, needs_no_extension_area_without_words) {
 TEST_F(IssueMboxExTest, stays_within_the_block_whatever_the_word_counts) {
   Words mailbox = caller_mailbox(32);
   ByteVector extension(2048, 0xE1);
-  auto expected = call(padded(mailbox, 32), extension_block(0x1000, 0x2000, 0, extension));
-  expected.payload[1] = bytes_of(padded(mailbox, 32));
+  auto expected = call(travelling(mailbox, 32), extension_block(0x1000, 0x2000, 0, extension));
+  expected.payload[1] = bytes_of(travelling(mailbox, 32));
   expected.payload[2] = extension_block(0, 0, 0, ByteVector(2048, 0xE2));
   driver.expect(expected);
   EXPECT_EQ(IssueMboxEx(kBoard, mailbox.data(), extension.data(), 0, 0x400, 0x800), DFC_OK);
@@ -229,8 +215,8 @@ TEST_F(IssueMboxExTest, stays_within_the_block_whatever_the_word_counts) {
 TEST_F(IssueMboxExTest, receives_no_extension_data_with_an_adapters_status) {
   Words mailbox = caller_mailbox(32);
   ByteVector extension(8, 0xE1);
-  auto expected = call(padded(mailbox, 32), extension_block(0, 8, 0, {}));
-  expected.payload[1] = bytes_of(padded(mailbox, 32, 0x0102));
+  auto expected = call(travelling(mailbox, 32), extension_block(0, 8, 0, {}));
+  expected.payload[1] = bytes_of(travelling(mailbox, 32, 0x0102));
   expected.payload[2] = extension_block(0, 8, 0, ByteVector(8, 0xE2));
   driver.expect(expected);
   EXPECT_EQ(IssueMboxEx(kBoard, mailbox.data(), extension.data(), 0, 0, 2), DFC_FAILED);
@@ -243,8 +229,8 @@ TEST_F(IssueMboxExTest, turns_failures_of_the_call_into_mailbox_statuses) {
   for (const FailedCall& failed : kFailedCalls) {
     SCOPED_TRACE(failed.driver_status);
     Words mailbox = caller_mailbox(32);
-    auto expected = call(padded(mailbox, 32), extension_block(0, 4, 0, {}));
-    expected.payload[1] = bytes_of(padded(mailbox, 2, 0x7777));
+    auto expected = call(travelling(mailbox, 32), extension_block(0, 4, 0, {}));
+    expected.payload[1] = bytes_of(travelling(mailbox, 2, 0x7777));
     expected.platform_status = failed.platform_status;
     expected.driver_status = failed.driver_status;
     driver.expect(expected);

@@ -1,6 +1,4 @@
-#include <numeric>
-
-#include "mailbox/mailbox_words.h"
+#include "mailbox/mailboxes.h"
 #include "support/adapter_test.h"
 #include "vaskdfc/mailbox.h"
 #include "vaskdfc/result.h"
@@ -10,23 +8,14 @@ namespace {
 
 using test::bytes_of;
 using test::ByteVector;
-using Words = std::vector<std::uint32_t>;
+using test::travelling;
+using test::Words;
 using Sleeps = std::vector<std::string>;
 
 constexpr std::uint32_t kBusy = 0xBAD0039;
 
 Words caller_mailbox(std::size_t words, std::uint8_t command = 0x05) {
-  Words mailbox(words);
-  std::iota(mailbox.begin(), mailbox.end(), 0x22220000u);
-  mailbox[0] = 0x00000001u | std::uint32_t{command} << 8;
-  return mailbox;
-}
-
-Mailbox first_words(const Words& words, std::size_t count, std::uint16_t status = 0) {
-  Mailbox mailbox{};
-  std::copy_n(words.begin(), count, mailbox.words);
-  set_status(mailbox.words, status);
-  return mailbox;
+  return test::numbered_mailbox(words, 0x00000001u | std::uint32_t{command} << 8);
 }
 
 class RetriesTest : public test::AdapterTest {
@@ -51,7 +40,7 @@ using WithRetryTest = RetriesTest;
 
 TEST_F(WithRetryTest, sends_and_sleeps_as_often_as_told_while_the_driver_is_busy) {
   Words mailbox = caller_mailbox(8);
-  expect_sent(3, first_words(mailbox, 8), 32, 4, kBusy);
+  expect_sent(3, travelling(mailbox, 8), 32, 4, kBusy);
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 8, 4, 3, 1), DFC_MBOX_GAVE_UP);
   EXPECT_EQ(sleeps(), (Sleeps{"sleep 1", "sleep 1", "sleep 1"}));
   EXPECT_EQ(status_of(mailbox.data()), 253);
@@ -61,7 +50,7 @@ TEST_F(WithRetryTest, rounds_the_delay_up_to_seconds) {
   for (const auto& [delay_ms, seconds] : {std::pair{0u, 0u}, {1u, 1u}, {1000u, 1u}, {1001u, 2u}, {0xFFFFFFFFu, 4294968u}}) {
     test::c_library.sleeps.clear();
     Words mailbox = caller_mailbox(8);
-    expect_sent(1, first_words(mailbox, 8), 32, 4, kBusy);
+    expect_sent(1, travelling(mailbox, 8), 32, 4, kBusy);
     EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 8, 4, 1, delay_ms), DFC_MBOX_GAVE_UP);
     EXPECT_EQ(sleeps(), Sleeps{"sleep " + std::to_string(seconds)});
   }
@@ -69,7 +58,7 @@ TEST_F(WithRetryTest, rounds_the_delay_up_to_seconds) {
 
 TEST_F(WithRetryTest, ends_with_the_first_sending_that_is_not_busy) {
   Words mailbox = caller_mailbox(8);
-  const Mailbox sent = first_words(mailbox, 8);
+  const Mailbox sent = travelling(mailbox, 8);
   Mailbox reply = sent;
   reply.words[1] = 0x99999999;
   expect_sent(2, sent, 32, 32, kBusy);
@@ -81,8 +70,8 @@ TEST_F(WithRetryTest, ends_with_the_first_sending_that_is_not_busy) {
 
 TEST_F(WithRetryTest, gives_up_at_once_on_any_other_status) {
   Words mailbox = caller_mailbox(8);
-  const Mailbox refused = first_words(mailbox, 8, 0x0001);
-  expect_sent(1, first_words(mailbox, 8), 32, 32, 0, &refused);
+  const Mailbox refused = travelling(mailbox, 8, 0x0001);
+  expect_sent(1, travelling(mailbox, 8), 32, 32, 0, &refused);
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 8, 32, 3, 1), DFC_MBOX_GAVE_UP);
   EXPECT_EQ(status_of(mailbox.data()), 1);
   EXPECT_EQ(sleeps(), Sleeps{});
@@ -90,7 +79,7 @@ TEST_F(WithRetryTest, gives_up_at_once_on_any_other_status) {
 
 TEST_F(WithRetryTest, passes_on_that_the_driver_does_not_take_the_mailbox) {
   Words mailbox = caller_mailbox(8);
-  expect_sent(1, first_words(mailbox, 8), 32, 32, 0xBAD005A);
+  expect_sent(1, travelling(mailbox, 8), 32, 32, 0xBAD005A);
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 8, 32, 3, 1), DFC_MBOX_NOT_TAKEN);
   EXPECT_EQ(status_of(mailbox.data()), 252);
 }
@@ -103,7 +92,7 @@ TEST_F(WithRetryTest, passes_on_that_there_is_no_memory) {
 
 TEST_F(WithRetryTest, has_the_limits_of_sli_mode_4) {
   Words mailbox = caller_mailbox(512);
-  expect_sent(1, first_words(mailbox, 64), 2048, 2048, 0);
+  expect_sent(1, travelling(mailbox, 64), 2048, 2048, 0);
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 512, 2048, 1, 1), DFC_OK);
   EXPECT_EQ(mailbox, caller_mailbox(512));
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 513, 0, 1, 1), DFC_MBOX_GAVE_UP);
@@ -114,7 +103,7 @@ TEST_F(WithRetryTest, receives_the_reply_length_and_256_bytes_at_most) {
   Words mailbox = caller_mailbox(100);
   Mailbox reply{};
   std::ranges::fill(reply.words, 0x00007777u);
-  const Mailbox sent = first_words(mailbox, 2);
+  const Mailbox sent = travelling(mailbox, 2);
   expect_sent(1, sent, 8, 6, 0, &reply);
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 2, 6, 1, 0), DFC_OK);
   Words expected = caller_mailbox(100);
@@ -124,7 +113,7 @@ TEST_F(WithRetryTest, receives_the_reply_length_and_256_bytes_at_most) {
 
   mailbox = caller_mailbox(100);
   std::ranges::fill(reply.words, 0x00008888u);
-  expect_sent(1, first_words(mailbox, 64), 256, 400, 0, &reply);
+  expect_sent(1, travelling(mailbox, 64), 256, 400, 0, &reply);
   EXPECT_EQ(DFC_IssueMboxWithRetry(kBoard, mailbox.data(), 64, 400, 1, 0), DFC_OK);
   expected = caller_mailbox(100);
   std::fill_n(expected.begin(), 64, 0x00008888u);
@@ -162,7 +151,7 @@ class WithRetryV2Test : public RetriesTest {
 TEST_F(WithRetryV2Test, sleeps_between_the_sendings_only) {
   Words mailbox = caller_mailbox(64);
   expect_driver_info(4);
-  expect_sent(3, first_words(mailbox, 64), 256, 256, kBusy);
+  expect_sent(3, travelling(mailbox, 64), 256, 256, kBusy);
   EXPECT_EQ(DFC_IssueMboxWithRetryV2(kBoard, mailbox.data(), 64, 3, 1500), DFC_MBOX_GAVE_UP);
   EXPECT_EQ(sleeps(), (Sleeps{"sleep 2", "sleep 2"}));
 }
@@ -171,7 +160,7 @@ TEST_F(WithRetryV2Test, sends_once_with_one_retry_or_none) {
   for (const std::uint32_t retries : {0u, 1u}) {
     Words mailbox = caller_mailbox(64);
     expect_driver_info(4);
-    expect_sent(1, first_words(mailbox, 64), 256, 256, kBusy);
+    expect_sent(1, travelling(mailbox, 64), 256, 256, kBusy);
     EXPECT_EQ(DFC_IssueMboxWithRetryV2(kBoard, mailbox.data(), 64, retries, 1), DFC_MBOX_GAVE_UP);
   }
   EXPECT_EQ(sleeps(), Sleeps{});
@@ -179,7 +168,7 @@ TEST_F(WithRetryV2Test, sends_once_with_one_retry_or_none) {
 
 TEST_F(WithRetryV2Test, works_in_place_and_clears_the_status_before_every_sending) {
   Words mailbox = caller_mailbox(64);
-  const Mailbox sent = first_words(mailbox, 64);
+  const Mailbox sent = travelling(mailbox, 64);
   Mailbox reply = sent;
   reply.words[63] = 0x99999999;
   expect_driver_info(4);
@@ -194,7 +183,7 @@ TEST_F(WithRetryV2Test, works_in_place_and_clears_the_status_before_every_sendin
 TEST_F(WithRetryV2Test, gives_up_on_any_other_status) {
   Words mailbox = caller_mailbox(64);
   expect_driver_info(4);
-  expect_sent(1, first_words(mailbox, 64), 256, 256, 0xBAD005A);
+  expect_sent(1, travelling(mailbox, 64), 256, 256, 0xBAD005A);
   EXPECT_EQ(DFC_IssueMboxWithRetryV2(kBoard, mailbox.data(), 64, 3, 1), DFC_MBOX_GAVE_UP);
   EXPECT_EQ(status_of(mailbox.data()), 252);
 }
@@ -258,7 +247,7 @@ TEST_F(WithRetryV2Test, sends_incomplete_embedded_requests_the_plain_way) {
   no_length[38] = 0;
   for (Words mailbox : {wrong_byte, no_length}) {
     expect_driver_info(4);
-    expect_sent(1, first_words(mailbox, 64), 256, 256, 0);
+    expect_sent(1, travelling(mailbox, 64), 256, 256, 0);
     const Words before = mailbox;
     EXPECT_EQ(DFC_IssueMboxWithRetryV2(kBoard, mailbox.data(), 64, 1, 1), DFC_OK);
     EXPECT_EQ(mailbox, before);
@@ -299,7 +288,7 @@ class WithRetryExTest : public RetriesTest {
 TEST_F(WithRetryExTest, sends_and_waits_as_often_as_told_while_the_driver_is_busy) {
   Words mailbox = caller_mailbox(64);
   ByteVector extension(16, 0xE1);
-  expect_sent(3, first_words(mailbox, 32), 128, 256, kBusy, nullptr, block(4, 0, 5, extension));
+  expect_sent(3, travelling(mailbox, 32), 128, 256, kBusy, nullptr, block(4, 0, 5, extension));
   EXPECT_EQ(send(mailbox, extension, 4, 0, 3, 100), DFC_MBOX_GAVE_UP);
   EXPECT_EQ(sleeps(), (Sleeps{"usleep 100000", "usleep 100000", "usleep 100000"}));
   Words expected = caller_mailbox(64);
@@ -312,7 +301,7 @@ TEST_F(WithRetryExTest, waits_in_microseconds_up_to_a_second_and_in_seconds_abov
     test::c_library.sleeps.clear();
     Words mailbox = caller_mailbox(64);
     ByteVector extension(4);
-    expect_sent(1, first_words(mailbox, 32), 128, 256, kBusy);
+    expect_sent(1, travelling(mailbox, 32), 128, 256, kBusy);
     EXPECT_EQ(send(mailbox, extension, 0, 0, 1, delay_ms), DFC_MBOX_GAVE_UP);
     EXPECT_EQ(sleeps(), Sleeps{wait});
   }
@@ -321,7 +310,7 @@ TEST_F(WithRetryExTest, waits_in_microseconds_up_to_a_second_and_in_seconds_abov
 TEST_F(WithRetryExTest, receives_the_completed_mailbox_and_the_extension_words) {
   Words mailbox = caller_mailbox(64);
   ByteVector extension(16, 0xE1);
-  const Mailbox sent = first_words(mailbox, 32);
+  const Mailbox sent = travelling(mailbox, 32);
   Mailbox reply = sent;
   reply.words[31] = 0x99999999;
   expect_sent(1, sent, 128, 256, kBusy, nullptr, block(2, 3, 5, ByteVector(8, 0xE1)));
@@ -342,7 +331,7 @@ TEST_F(WithRetryExTest, gives_up_on_any_other_status_and_on_a_driver_that_does_n
   for (const std::uint32_t driver_status : {0xBAD005Au, 0xBAD0004u, 1u}) {
     Words mailbox = caller_mailbox(64);
     ByteVector extension(4);
-    expect_sent(1, first_words(mailbox, 32), 128, 256, driver_status);
+    expect_sent(1, travelling(mailbox, 32), 128, 256, driver_status);
     EXPECT_EQ(send(mailbox, extension, 0, 1, 3, 1), DFC_MBOX_GAVE_UP);
     EXPECT_EQ(status_of(mailbox.data()), driver_status == 0xBAD0004 ? 254 : 252);
   }
@@ -359,7 +348,7 @@ TEST_F(WithRetryExTest, passes_on_that_there_is_no_memory) {
 TEST_F(WithRetryExTest, takes_512_extension_words_and_no_more) {
   Words mailbox = caller_mailbox(64);
   ByteVector extension(2048, 0xE1);
-  expect_sent(1, first_words(mailbox, 32), 128, 256, 0, nullptr, block(512, 512, 5, extension));
+  expect_sent(1, travelling(mailbox, 32), 128, 256, 0, nullptr, block(512, 512, 5, extension));
   EXPECT_EQ(send(mailbox, extension, 512, 512, 1, 0), DFC_OK);
   EXPECT_EQ(send(mailbox, extension, 513, 0, 1, 0), DFC_MBOX_GAVE_UP);
   EXPECT_EQ(send(mailbox, extension, 0, 513, 1, 0), DFC_MBOX_GAVE_UP);

@@ -1,5 +1,4 @@
-#include <numeric>
-
+#include "mailbox/mailboxes.h"
 #include "support/adapter_test.h"
 #include "vaskdfc/mailbox.h"
 #include "vaskdfc/result.h"
@@ -8,16 +7,12 @@ namespace vaskdfc {
 namespace {
 
 using test::ByteVector;
-using Words = std::vector<std::uint32_t>;
+using test::Words;
 
 constexpr const char* kFunction = "IssueExtendedSLIConfig";
 constexpr const char* kCallback = "TREL_MGMT_MBOX_SLI_CFG_EXT";
 
-Words caller_mailbox(std::size_t words) {
-  Words mailbox(words);
-  std::iota(mailbox.begin(), mailbox.end(), 0x00009B00u);
-  return mailbox;
-}
+Words caller_mailbox(std::size_t words) { return test::numbered_mailbox(words, 0x00009B00); }
 
 ByteVector bytes_of(std::span<const std::uint32_t> words) {
   const auto bytes = std::as_bytes(words);
