@@ -6,6 +6,12 @@
  *   vaskdfc/transport.h      start, stop, board discovery, diagnostic states
  *   vaskdfc/info.h           revisions, driver information, kernel messages
  *   vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
+ *   vaskdfc/statistics.h     port statistics
+ *   vaskdfc/mapping.h        target mapping, bindings
+ *   vaskdfc/events.h         events, RNID
+ *   vaskdfc/scsi.h           SCSI and FCP commands
+ *   vaskdfc/fabric.h         ELS, CT, management commands
+ *   vaskdfc/vport.h          virtual ports
  *   vaskdfc/mailbox.h        SLI mailboxes, dump and update of configuration regions
  *   vaskdfc/regions.h        configuration regions 22, 23 and 14, persistent link down
  *   vaskdfc/fcoe.h           FCFs, FCoE parameters, FCF connect list
@@ -25,13 +31,19 @@
 #ifndef VASKDFC_H
 #define VASKDFC_H
 
+#include "vaskdfc/events.h"
+#include "vaskdfc/fabric.h"
 #include "vaskdfc/fcoe.h"
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
 #include "vaskdfc/mailbox.h"
+#include "vaskdfc/mapping.h"
 #include "vaskdfc/regions.h"
 #include "vaskdfc/result.h"
+#include "vaskdfc/scsi.h"
+#include "vaskdfc/statistics.h"
 #include "vaskdfc/transport.h"
 #include "vaskdfc/unimplemented.h"
+#include "vaskdfc/vport.h"
 
 #endif

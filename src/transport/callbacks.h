@@ -4,12 +4,18 @@
 
 #include "transport/callback_table.h"
 #include "transport/records/board.h"
+#include "transport/records/events.h"
+#include "transport/records/fabric.h"
 #include "transport/records/fcoe.h"
 #include "transport/records/hbaapi.h"
 #include "transport/records/info.h"
 #include "transport/records/mailbox.h"
+#include "transport/records/mapping.h"
+#include "transport/records/scsi.h"
+#include "transport/records/vport.h"
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
+#include "vaskdfc/statistics.h"
 
 namespace vaskdfc {
 
@@ -94,9 +100,6 @@ enum class Callback : std::uint16_t {
   kOasVer = 4119,
 };
 
-// The fifteen 64-bit port counters, which nothing looks into yet.
-using PortStatistics = Bytes<120>;
-
 // One callback a line.
 // clang-format off
 struct Callbacks : Table<
@@ -132,25 +135,25 @@ struct Callbacks : Table<
     Row<Callback::kNodeInfo, "TREL_MGMT_NODEINFO", Out<Bytes<14336>>>,
     Row<Callback::kGetCfg, "TREL_MGMT_GETCFG", Out<Bytes<8448>>>,
     Row<Callback::kSetCfg, "TREL_MGMT_SETCFG">,
-    Row<Callback::kListBind, "TREL_MGMT_LIST_BIND", Out<Bytes<131076>>>,
+    Row<Callback::kListBind, "TREL_MGMT_LIST_BIND", Out<BindListReply>>,
     Row<Callback::k170, "", In<Bytes<24>>, Out<Bytes<12>>>,
     Row<Callback::kDiagModeEnd, "TREL_MGMT_DIAG_MODE_END">,
     Row<Callback::k154, "", In<Bytes<28>>>,
     Row<Callback::k155, "", In<Bytes<28>>>,
-    Row<Callback::kVportGetAttrib, "TREL_MGMT_VPORT_GET_ATTRIB", In<WwnKey>, Out<Bytes<340>>>,
+    Row<Callback::kVportGetAttrib, "TREL_MGMT_VPORT_GET_ATTRIB", In<WwnKey>, Out<dfc_vport_attributes>>,
     Row<Callback::kNpivReady, "TREL_MGMT_NPIV_READY">,
-    Row<Callback::kVportGetResrc, "TREL_MGMT_VPORT_GET_RESRC", Out<Bytes<16>>>,
-    Row<Callback::kVportGetList, "TREL_MGMT_VPORT_GET_LIST", Out<Bytes<81924>>>,
+    Row<Callback::kVportGetResrc, "TREL_MGMT_VPORT_GET_RESRC", Out<dfc_vport_resource>>,
+    Row<Callback::kVportGetList, "TREL_MGMT_VPORT_GET_LIST", Out<VportListReply>>,
     Row<Callback::kHbaAdapterAttributes, "TREL_MGMT_HBA_ADAPTERATTRIBUTES", Out<HbaAdapterAttributes>>,
     Row<Callback::kHbaPortAttributes, "TREL_MGMT_HBA_PORTATTRIBUTES", Out<PortAttributesReply>>,
-    Row<Callback::kHbaPortStatistics, "TREL_MGMT_HBA_PORTSTATISTICS", Out<PortStatistics>>,
+    Row<Callback::kHbaPortStatistics, "TREL_MGMT_HBA_PORTSTATISTICS", Out<HbaPortStatistics>>,
     Row<Callback::kHbaWwpnPortAttributes, "TREL_MGMT_HBA_WWPNPORTATTRIBUTES", Out<PortAttributesReply>, In<WwnKey>>,
     Row<Callback::kHbaDiscPortAttributes, "TREL_MGMT_HBA_DISCPORTATTRIBUTES", Out<PortAttributesReply>>,
     Row<Callback::kHbaIndexPortAttributes, "TREL_MGMT_HBA_INDEXPORTATTRIBUTES", Out<PortAttributesReply>>,
-    Row<Callback::kHbaSetMgmtInfo, "TREL_MGMT_HBA_SETMGMTINFO", In<Bytes<44>>>,
-    Row<Callback::kHbaGetMgmtInfo, "TREL_MGMT_HBA_GETMGMTINFO", Out<Bytes<44>>>,
+    Row<Callback::kHbaSetMgmtInfo, "TREL_MGMT_HBA_SETMGMTINFO", In<HbaMgmtInfo>>,
+    Row<Callback::kHbaGetMgmtInfo, "TREL_MGMT_HBA_GETMGMTINFO", Out<HbaMgmtInfo>>,
     Row<Callback::kHbaRefreshInfo, "TREL_MGMT_HBA_REFRESHINFO">,
-    Row<Callback::kHbaGetEvent, "TREL_MGMT_HBA_GETEVENT", Out<Bytes<640>>>,
+    Row<Callback::kHbaGetEvent, "TREL_MGMT_HBA_GETEVENT", Out<EventReply>>,
     Row<Callback::k322, "">,
     Row<Callback::kLip, "TREL_MGMT_LIP">,
     Row<Callback::k19, "", In<Bytes<14336>>, Out<Bytes<491528>>>,
@@ -160,18 +163,18 @@ struct Callbacks : Table<
     Row<Callback::k146, "">,
     Row<Callback::k153, "">,
     Row<Callback::k4111, "">,
-    Row<Callback::kHbaSendFcp, "TREL_MGMT_HBA_SEND_FCP", InOut<Bytes<200>>, InOut<Bytes<262144>>>,
-    Row<Callback::kHbaSendScsi, "TREL_MGMT_HBA_SEND_SCSI", InOut<Bytes<172>>, InOut<Bytes<262144>>>,
-    Row<Callback::kHbaRnid, "TREL_MGMT_HBA_RNID", In<WwnKey>, Out<Bytes<64>>>,
-    Row<Callback::kSendEls, "TREL_MGMT_SEND_ELS", In<Bytes<16>>, In<Bytes<1024>>, Out<Bytes<1024>>>,
-    Row<Callback::kSendCt, "TREL_MGMT_SEND_CT", In<Bytes<245760>>, Out<Bytes<245760>>>,
-    Row<Callback::kHbaSendMgmtCmd, "TREL_MGMT_HBA_SEND_MGMT_CMD", In<Bytes<8>>, In<Bytes<245760>>, Out<Bytes<245760>>>,
-    Row<Callback::kHbaSendMgmtRsp, "TREL_MGMT_HBA_SEND_MGMT_RSP", In<Bytes<245760>>>,
+    Row<Callback::kHbaSendFcp, "TREL_MGMT_HBA_SEND_FCP", InOut<FcpPassThruRequest>, InOut<TransferData>>,
+    Row<Callback::kHbaSendScsi, "TREL_MGMT_HBA_SEND_SCSI", InOut<ScsiPassThruRequest>, InOut<TransferData>>,
+    Row<Callback::kHbaRnid, "TREL_MGMT_HBA_RNID", In<RnidKey>, Out<RnidReply>>,
+    Row<Callback::kSendEls, "TREL_MGMT_SEND_ELS", In<dfc_els_descriptor>, In<ElsFrame>, Out<ElsFrame>>,
+    Row<Callback::kSendCt, "TREL_MGMT_SEND_CT", In<ServiceFrame>, Out<ServiceFrame>>,
+    Row<Callback::kHbaSendMgmtCmd, "TREL_MGMT_HBA_SEND_MGMT_CMD", In<dfc_mgmt_command>, In<ServiceFrame>, Out<ServiceFrame>>,
+    Row<Callback::kHbaSendMgmtRsp, "TREL_MGMT_HBA_SEND_MGMT_RSP", In<ServiceFrame>>,
     Row<Callback::kHbaIssueDmpMbx, "TREL_MGMT_HBA_ISSUE_DMP_MBX", In<DumpRequest>, Out<RegionData>, Out<CompletionWord>>,
     Row<Callback::kHbaIssueUpdMbx, "TREL_MGMT_HBA_ISSUE_UPD_MBX", In<RegionData>, Out<CompletionWord>>,
-    Row<Callback::kVportGetNodeInfo, "TREL_MGMT_VPORT_GET_NODE_INFO", In<WwnKey>, Out<Bytes<157700>>>,
+    Row<Callback::kVportGetNodeInfo, "TREL_MGMT_VPORT_GET_NODE_INFO", In<WwnKey>, Out<NodeListReply>>,
     Row<Callback::kHbaGetFcfList, "TREL_MGMT_HBA_GET_FCF_LIST", Out<FcfReply>>,
-    Row<Callback::kHbaFcpTargetMapping, "TREL_MGMT_HBA_FCPTARGETMAPPING", Out<Bytes<303108>>>,
+    Row<Callback::kHbaFcpTargetMapping, "TREL_MGMT_HBA_FCPTARGETMAPPING", Out<TargetMappingReply>>,
     Row<Callback::kLoopbackTest, "TREL_MGMT_LOOPBACK_TEST", In<Bytes<65536>>, Out<Bytes<65536>>>,
     Row<Callback::kLoopbackMode, "TREL_MGMT_LOOPBACK_MODE">,
     Row<Callback::kOasGet, "TREL_MGMT_OAS_GET", In<Bytes<8>>, In<Bytes<8>>, Out<Bytes<6400>>>,

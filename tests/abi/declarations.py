@@ -6,6 +6,7 @@ from typing import NamedTuple
 
 _COMMENT = re.compile(r"/\*.*?\*/|//[^\n]*", re.S)
 _FUNCTION = re.compile(r"^(?P<result>\w[\w ]*?[ *]+)(?P<name>\w+)\((?P<parameters>[^()]*)\);", re.M)
+_VARIABLE = re.compile(r"^extern \w[\w ]* (?P<name>\w+);", re.M)
 _RECORD = re.compile(r"(?<!>\n)^(?:typedef )?struct (?P<name>\w+) \{\n(?P<body>.*?)^\}", re.M | re.S)
 _FIELD = re.compile(r"(?:const )?[\w:]+(?: |\* )(?P<name>\w+)(?:\[\d+\])?")
 _SIZE_GUARD = re.compile(r"^VASKDFC_RECORD_SIZE\((\w+),", re.M)
@@ -39,6 +40,11 @@ def functions(header):
         for found in _FUNCTION.finditer(without_comments(text))
         if not found["result"].startswith("typedef")
     ]
+
+
+def variables(header):
+    """The names of the variables that one header declares, in order."""
+    return _VARIABLE.findall(without_comments(_read(header)))
 
 
 def _parameter_names(parameters):

@@ -19,7 +19,8 @@ def exported_by(library):
 def declared_by_umbrella():
     """The names that an application sees when it includes the one header."""
     headers = declarations.included_headers(UMBRELLA, this_build.INCLUDE)
-    return [function.name for header in headers for function in declarations.functions(header)]
+    functions = [function.name for header in headers for function in declarations.functions(header)]
+    return functions + [name for header in headers for name in declarations.variables(header)]
 
 
 class ExportedNames(unittest.TestCase):

@@ -92,6 +92,7 @@ int ScriptedDriver::invoke(vmk_MgmtUserHandle, std::uint64_t instance, std::uint
     }
     if (usage != Usage::kIn) std::ranges::copy(call.payload[i - 1], payload.begin());
   }
+  header.arg1 = call.arg1.value_or(header.arg1);
   header.arg3 = call.arg3.value_or(header.arg3);
   header.arg4 = call.arg4.value_or(header.arg4);
   header.arg5 = call.arg5.value_or(header.arg5);

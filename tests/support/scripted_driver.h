@@ -39,6 +39,7 @@ struct ExpectedCall {
   std::uint32_t platform_status = 0;
   std::uint32_t driver_status = 0;
   // Header words that the driver changes.
+  std::optional<std::uint32_t> arg1{};
   std::optional<std::uint32_t> arg3{};
   std::optional<std::uint32_t> arg4{};
   std::optional<std::uint32_t> arg5{};

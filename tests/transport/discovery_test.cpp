@@ -136,12 +136,12 @@ TEST_F(DiscoveryTest, the_older_form_keeps_the_board_numbers_above_the_new_count
 }
 
 TEST_F(DiscoveryTest, clears_the_baselines_and_refresh_counters_of_all_boards) {
-  for (auto& baseline : dfc_rststatistics) std::ranges::fill(baseline.bytes, std::uint8_t{1});
+  for (auto& baseline : dfc_rststatistics) std::memset(&baseline, 1, sizeof(baseline));
   dfc_refresh_timer.fill(9);
   expect_discovery({});
 
   EXPECT_EQ(DFC_InitDiagEnv(nullptr, 32), 0u);
-  for (const auto& baseline : dfc_rststatistics) EXPECT_EQ(std::ranges::count(baseline.bytes, 0), 120);
+  for (const auto& baseline : dfc_rststatistics) EXPECT_EQ(test::bytes_of(baseline), test::ByteVector(120, 0));
   for (const std::uint32_t counter : dfc_refresh_timer) EXPECT_EQ(counter, 0u);
 }
 
