@@ -38,9 +38,9 @@ Outcome read_by_wwn(dfc_mgmt_hdr& header, PortAttributesReply& reply, const WwnK
 }
 
 // The driver reads and writes both records.
-Outcome send_fcp(dfc_mgmt_hdr& header, Bytes<200>& command, Bytes<262144>& data) {
+Outcome send_fcp(dfc_mgmt_hdr& header, FcpPassThruRequest& command, TransferData& data) {
 #ifdef RECORD_OF_BOTH_DIRECTIONS_IS_CONST  // refused: wrong direction: the driver writes this record, it must not be const
-  const Bytes<200>& sealed = command;
+  const FcpPassThruRequest& sealed = command;
   return invoke<kSendFcp>(0, header, sealed, data);
 #endif
   return invoke<kSendFcp>(0, header, command, data);
