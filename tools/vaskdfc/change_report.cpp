@@ -75,11 +75,11 @@ void write_and_verify(Context& context, const Setting& setting, const std::vecto
     print(context, setting, changes, {.sent = true, .verified = std::nullopt});
     context.report_failure(unreadable);
     failure.message = fmt::format("the write cannot be verified: {} cannot be read back", setting.place);
-    throw failure;
+    throw Failure(failure);
   }
   failure.message = complaint(setting, before, wanted, now, result);
   print(context, setting, changes, {.sent = true, .verified = changes_between(now, wanted).empty()});
-  if (!failure.message.empty()) throw failure;
+  if (!failure.message.empty()) throw Failure(failure);
 }
 
 }  // namespace
