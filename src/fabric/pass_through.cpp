@@ -1,7 +1,5 @@
 // ELS and CT requests, management commands and responses: payloads out, payloads back.
-#include <algorithm>
-#include <cstring>
-
+#include "transport/bounded_copy.h"
 #include "transport/call_frame.h"
 #include "transport/staging_buffer.h"
 #include "transport/status_map.h"
@@ -43,12 +41,6 @@ constexpr StatusMap kResponseResults{
 static_assert(kResponseResults(kDoesNotFit) == 255 && kResponseResults(0xBAD0021) == 250);
 static_assert(kResponseResults(0xBAD005A) == 253 && kResponseResults(0) == 252);
 
-// Copies as many bytes as the driver says, and no more than there are.
-template <Record Frame>
-void copy_reply(void* reply, const Frame& frame, uint32_t bytes) {
-  std::memcpy(reply, frame.bytes, std::min<std::size_t>(bytes, sizeof(frame)));
-}
-
 // The service that a CT request is for, by its GS_TYPE.
 constexpr int32_t service_address(uint8_t gs_type) {
   constexpr uint8_t kDirectory = 0xFC;
@@ -69,14 +61,14 @@ uint32_t DFC_SendELSCmd(uint32_t board, const dfc_els_descriptor* descriptor, co
   const StagingBuffer<ElsFrame> received;
   if (!sent || !received) return DFC_FAILED;
 
-  std::memcpy(sent->bytes, request, request_bytes);
+  copy_at_most(sent->bytes, request, request_bytes, sizeof(*sent));
   auto header = header_for(board);
   header.arg2 = request_bytes;
   header.arg3 = sizeof(*received);
   const Outcome outcome = invoke<kEls>(board, header, *descriptor, *sent, *received);
   if (outcome.ok() || outcome.driver == kDoesNotFit) *reply_bytes = header.arg3;
   if (!outcome.ok()) return kElsResults(outcome.driver);
-  copy_reply(reply, *received, header.arg3);
+  copy_at_most(reply, received->bytes, header.arg3, sizeof(*received));
   return DFC_OK;
 }
 
@@ -88,14 +80,14 @@ int32_t GetCTInfo(uint32_t board, int32_t destination, const void* request, uint
   const StagingBuffer<ServiceFrame> received;
   if (!sent || !received) return DFC_CT_NO_MEMORY;
 
-  std::memcpy(sent->bytes, request, request_bytes);
+  copy_at_most(sent->bytes, request, request_bytes, sizeof(*sent));
   auto header = header_for(board);
   header.arg2 = request_bytes;
   header.arg3 = reply_room;
   header.arg4 = static_cast<uint32_t>(destination);
   const Outcome outcome = invoke<kCt>(board, header, *sent, *received);
   if (!outcome.ok()) return static_cast<int32_t>(kCtResults(outcome.driver));
-  copy_reply(reply, *received, header.arg3);
+  copy_at_most(reply, received->bytes, header.arg3, sizeof(*received));
   return static_cast<int32_t>(header.arg3);
 }
 
@@ -115,7 +107,7 @@ uint32_t SendMgmtCommand(uint32_t board, const dfc_mgmt_command* command, const 
   const StagingBuffer<ServiceFrame> received;
   if (!sent || !received) return DFC_MGMT_FAILED;
 
-  std::memcpy(sent->bytes, request, request_bytes);
+  copy_at_most(sent->bytes, request, request_bytes, sizeof(*sent));
   auto header = header_for(board);
   header.arg2 = request_bytes;
   header.arg3 = sizeof(*received);
@@ -123,7 +115,7 @@ uint32_t SendMgmtCommand(uint32_t board, const dfc_mgmt_command* command, const 
   const Outcome outcome = invoke<kCommand>(board, header, *command, *sent, *received);
   if (outcome.ok() || outcome.driver == kDoesNotFit) *reply_bytes = header.arg3;
   if (!outcome.ok()) return kCommandResults(outcome.driver);
-  copy_reply(reply, *received, header.arg3);
+  copy_at_most(reply, received->bytes, header.arg3, sizeof(*received));
   return DFC_OK;
 }
 
@@ -132,7 +124,7 @@ uint32_t SendMgmtResponse(uint32_t board, const void* response, uint32_t respons
   const StagingBuffer<ServiceFrame> sent;
   if (!sent) return DFC_MGMT_FAILED;
 
-  std::memcpy(sent->bytes, response, response_bytes);
+  copy_at_most(sent->bytes, response, response_bytes, sizeof(*sent));
   auto header = header_for(board);
   header.arg2 = sizeof(*sent);
   header.arg4 = argument;

@@ -1,7 +1,7 @@
 // SCSI and FCP commands on their way to a remote port and back.
 #include <algorithm>
-#include <cstring>
 
+#include "transport/bounded_copy.h"
 #include "transport/call_frame.h"
 #include "transport/staging_buffer.h"
 #include "transport/status_map.h"
@@ -24,10 +24,6 @@ constexpr HbaWwn kNoLocalPort{};
 
 constexpr uint32_t within(uint32_t bytes, std::size_t most) { return static_cast<uint32_t>(std::min<std::size_t>(bytes, most)); }
 
-void copy(void* to, const void* from, uint32_t bytes, std::size_t most) {
-  if (bytes != 0) std::memcpy(to, from, within(bytes, most));
-}
-
 }  // namespace
 
 uint32_t SendScsiCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, const FcpCmndBlock* command, uint32_t, void* data,
@@ -35,7 +31,7 @@ uint32_t SendScsiCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, c
   const StagingBuffer<TransferData> stage;
   if (!stage) return HBA_STATUS_ERROR;
   const uint32_t room = *data_bytes;
-  copy(stage->bytes, data, room, sizeof(*stage));
+  copy_at_most(stage->bytes, data, room, sizeof(*stage));
   auto header = header_for(board);
   header.arg2 = within(room, sizeof(*stage));
   ScsiPassThruRequest request{.target = *target, .command = *command};
@@ -44,8 +40,8 @@ uint32_t SendScsiCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, c
   *data_bytes = header.arg3;
   if (room < header.arg3) return HBA_STATUS_ERROR_MORE_DATA;
   *sense_bytes = request.sense_bytes;
-  copy(sense, request.sense, request.sense_bytes, sizeof(request.sense));
-  copy(data, stage->bytes, header.arg3, sizeof(*stage));
+  copy_at_most(sense, request.sense, request.sense_bytes, sizeof(request.sense));
+  copy_at_most(data, stage->bytes, header.arg3, sizeof(*stage));
   return HBA_STATUS_OK;
 }
 
@@ -59,7 +55,7 @@ uint32_t SendFcpCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, co
   const StagingBuffer<TransferData> stage;
   if (!stage) return HBA_STATUS_ERROR;
   const uint32_t room = *data_bytes;
-  copy(stage->bytes, data, room, sizeof(*stage));
+  copy_at_most(stage->bytes, data, room, sizeof(*stage));
   auto header = header_for(board);
   header.arg2 = within(room, sizeof(*stage));
   header.arg7 = extra;
@@ -72,8 +68,8 @@ uint32_t SendFcpCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, co
   if (room < header.arg3) return HBA_STATUS_ERROR_MORE_DATA;
   // The response runs on over its own length, up to the end of the request.
   constexpr std::size_t kResponse = offsetof(FcpPassThruRequest, response);
-  copy(response, reinterpret_cast<const uint8_t*>(&request) + kResponse, request.response_bytes, sizeof(request) - kResponse);
-  copy(data, stage->bytes, header.arg3, sizeof(*stage));
+  copy_at_most(response, reinterpret_cast<const uint8_t*>(&request) + kResponse, request.response_bytes, sizeof(request) - kResponse);
+  copy_at_most(data, stage->bytes, header.arg3, sizeof(*stage));
   return HBA_STATUS_OK;
 }
 

@@ -1,8 +1,6 @@
 // SLI_CONFIG mailboxes of SLI mode 4, which are longer than others.
-#include <algorithm>
-#include <cstring>
-
 #include "info/sli_mode.h"
+#include "transport/bounded_copy.h"
 #include "transport/call_frame.h"
 #include "transport/staging_buffer.h"
 #include "vaskdfc/mailbox.h"
@@ -27,10 +25,9 @@ uint32_t IssueExtendedSLIConfig(uint32_t board, uint32_t* mailbox, uint32_t tran
   header.arg2 = word_count * sizeof(uint32_t);
   header.arg3 = header.arg2;
   header.arg6 = transfer_code;
-  constexpr std::size_t kMostWords = sizeof(MailboxData) / sizeof(uint32_t);
-  std::memcpy(data->bytes, mailbox, std::min<std::size_t>(word_count, kMostWords) * sizeof(uint32_t));
+  copy_at_most(data->bytes, mailbox, header.arg2, sizeof(*data));
   if (!invoke<kSliConfig>(board, header, *data).ok()) return DFC_FAILED;
 
-  std::memcpy(mailbox, data->bytes, std::min<std::size_t>(header.arg3, sizeof(MailboxData)));
+  copy_at_most(mailbox, data->bytes, header.arg3, sizeof(*data));
   return DFC_OK;
 }

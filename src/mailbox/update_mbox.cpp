@@ -1,8 +1,7 @@
 // Writing configuration regions.
-#include <cstring>
-
 #include "info/sli_mode.h"
 #include "mailbox/valid_region.h"
+#include "transport/bounded_copy.h"
 #include "transport/call_frame.h"
 #include "transport/staging_buffer.h"
 #include "vaskdfc/mailbox.h"
@@ -28,7 +27,7 @@ uint32_t DFC_IssueUpdateCfgMBox(uint32_t board, uint32_t update_type, uint32_t r
 
   const auto image = StagingBuffer<RegionData>::cleared();
   if (!image) return DFC_NO_MEMORY;
-  std::memcpy(image->bytes, data, length);
+  copy_at_most(image->bytes, data, length, sizeof(*image));
   auto header = header_for(board);
   header.arg2 = region_length;
   header.arg4 = region;
