@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <vaskdfc/info.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
@@ -112,24 +113,74 @@ std::uint32_t region_argument(const std::string& spelling, const std::vector<std
                       "\"vaskdfc region dump\" shows the bytes of any region");
 }
 
-CommandLine::CommandLine() : app_("Diagnostics and management of Fibre Channel and FCoE host bus adapters.", "vaskdfc") {
-  app_.add_option_function<std::string>(
+Argument Argument::required(bool required) const {
+  option_.required(required);
+  return *this;
+}
+
+Argument Argument::type_name(const char* name) const {
+  option_.type_name(name);
+  return *this;
+}
+
+Argument Argument::expected(int least, int most) const {
+  option_.expected(least, most);
+  return *this;
+}
+
+Argument Argument::excludes(const Argument& other) const {
+  option_.excludes(&other.option_);
+  return *this;
+}
+
+Argument Argument::needs(const Argument& other) const {
+  option_.needs(&other.option_);
+  return *this;
+}
+
+Argument Command::add_option(const std::string& name, std::string& value, const std::string& help) const {
+  return Argument(*app_.add_option(name, value, help));
+}
+
+Argument Command::add_option(const std::string& name, std::optional<std::string>& value, const std::string& help) const {
+  return Argument(*app_.add_option(name, value, help));
+}
+
+Argument Command::add_option(const std::string& name, std::vector<std::string>& values, const std::string& help) const {
+  return Argument(*app_.add_option(name, values, help));
+}
+
+Argument Command::add_flag(const std::string& name, bool& flag, const std::string& help) const {
+  return Argument(*app_.add_flag(name, flag, help));
+}
+
+Command Command::add_alternatives(const std::string& help) const {
+  auto* const group = app_.add_option_group("alternatives", help);
+  group->require_option(0, 1);
+  return Command(*group);
+}
+
+CommandLine::CommandLine()
+    : app_(std::make_unique<CLI::App>("Diagnostics and management of Fibre Channel and FCoE host bus adapters.", "vaskdfc")) {
+  app_->add_option_function<std::string>(
           "-o,--output", [this](const std::string& name) { options_.output.form = form_named(name); },
           "Form of output: table (default), json, csv, keyvalue")
       ->type_name("FORM");
-  app_.add_flag_callback(
+  app_->add_flag_callback(
       "--no-header", [this] { options_.output.header = false; }, "Leave out the titles of tables and the first line of CSV");
-  app_.add_flag("--yes", options_.yes, "Do not ask before something changes");
-  app_.add_flag("--dry-run", options_.dry_run, "Say what would change, and change nothing");
-  app_.add_flag("-v,--verbose", options_.verbose, "Show every call to the driver on standard error");
-  app_.add_option("--log", options_.log_mask, "Explain how the library's log is switched on with this mask")->type_name("MASK");
-  app_.set_version_flag("--version", version_text);
-  app_.require_subcommand(0, 1);
-  app_.footer(std::string("\n") + kExamples + kExitCodes);
+  app_->add_flag("--yes", options_.yes, "Do not ask before something changes");
+  app_->add_flag("--dry-run", options_.dry_run, "Say what would change, and change nothing");
+  app_->add_flag("-v,--verbose", options_.verbose, "Show every call to the driver on standard error");
+  app_->add_option("--log", options_.log_mask, "Explain how the library's log is switched on with this mask")->type_name("MASK");
+  app_->set_version_flag("--version", version_text);
+  app_->require_subcommand(0, 1);
+  app_->footer(std::string("\n") + kExamples + kExitCodes);
 }
 
+CommandLine::~CommandLine() = default;
+
 CLI::App& CommandLine::subcommand(const std::string& name, const std::string& summary, const std::vector<std::string>& examples) {
-  CLI::App* parent = &app_;
+  CLI::App* parent = app_.get();
   std::size_t begin = 0;
   for (std::size_t blank = name.find(' '); blank != std::string::npos; blank = name.find(' ', begin)) {
     parent = parent->get_subcommand(name.substr(begin, blank - begin));
@@ -149,18 +200,18 @@ void CommandLine::group(const std::string& name, const std::string& summary, con
   });
 }
 
-CLI::App& CommandLine::add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,
-                           Action action) {
+Command CommandLine::add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,
+                         Action action) {
   CLI::App& command = subcommand(name, summary, examples);
   command.callback([this, action = std::move(action)] { action_ = action; });
-  return command;
+  return Command(command);
 }
 
 int CommandLine::run(int argc, const char* const* argv) {
   try {
-    app_.parse(argc, argv);
+    app_->parse(argc, argv);
   } catch (const CLI::Success& help_or_version) {
-    return app_.exit(help_or_version);
+    return app_->exit(help_or_version);
   } catch (const CLI::ParseError& error) {
     std::cerr << render_failure(usage_failure(error.what(), "vaskdfc --help, or vaskdfc COMMAND --help"), options_.output.form);
     return static_cast<int>(Exit::kUsage);

@@ -1,15 +1,21 @@
 // The command line: global options, and the commands that the families register.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "failure.h"
 #include "output.h"
+
+// The parser's own header is read by command_line.cpp alone: it costs more than all the rest of a command.
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace vaskdfc::tool {
 
@@ -48,16 +54,53 @@ class Context {
 
 using Action = std::function<void(Context&)>;
 
+// An argument of a command, to say more about it.
+class Argument {
+ public:
+  explicit Argument(CLI::Option& option) : option_(option) {}
+
+  Argument required(bool required = true) const;
+  // What stands for the value in help texts.
+  Argument type_name(const char* name) const;
+  // How many values it takes.
+  Argument expected(int least, int most) const;
+  Argument excludes(const Argument& other) const;
+  Argument needs(const Argument& other) const;
+
+ private:
+  CLI::Option& option_;
+};
+
+// A command, to add arguments to it. A name begins with "-" or is that of a positional argument; values go where the second
+// parameter says, once the command is given.
+class Command {
+ public:
+  explicit Command(CLI::App& app) : app_(app) {}
+
+  Argument add_option(const std::string& name, std::string& value, const std::string& help) const;
+  Argument add_option(const std::string& name, std::optional<std::string>& value, const std::string& help) const;
+  Argument add_option(const std::string& name, std::vector<std::string>& values, const std::string& help) const;
+  Argument add_flag(const std::string& name, bool& flag, const std::string& help) const;
+  // A group of which at most one argument is given.
+  Command add_alternatives(const std::string& help) const;
+
+ private:
+  CLI::App& app_;
+};
+
 class CommandLine {
  public:
   CommandLine();
+  ~CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
 
   // Adds a group of commands, whose names begin with the group's as in "region list". Groups may have groups.
   void group(const std::string& name, const std::string& summary, const std::vector<std::string>& examples);
 
   // Adds a command; its group, if any, is there already. Its arguments are added to what this returns; `action` runs when the
   // command was given.
-  CLI::App& add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples, Action action);
+  Command add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples, Action action);
 
   // Runs the command that the arguments name and returns the exit code.
   int run(int argc, const char* const* argv);
@@ -66,7 +109,7 @@ class CommandLine {
   CLI::App& subcommand(const std::string& name, const std::string& summary, const std::vector<std::string>& examples);
   Exit run_action();
 
-  CLI::App app_;
+  std::unique_ptr<CLI::App> app_;
   Options options_;
   Action action_;
 };

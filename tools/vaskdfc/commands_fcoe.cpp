@@ -180,16 +180,16 @@ void add_params_commands(CommandLine& commands) {
       .add("fcoe params get", "Show the FCoE parameters", {"vaskdfc fcoe params get 0"},
            [arguments](Context& context) { get_params(context, *arguments); })
       .add_option("ADAPTER", arguments->adapter, kAdapterHelp)
-      ->required();
+      .required();
 
-  CLI::App& command = commands.add("fcoe params set", "Change the FCoE parameters; what is not named stays",
-                                   {"vaskdfc fcoe params set 0 --vlan 1002", "vaskdfc fcoe params set 0 --no-vlan --yes",
-                                    "vaskdfc fcoe params set 0 --fc-map 0e:fc:01 --dry-run"},
-                                   [arguments](Context& context) { set_params(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
-  command.add_option("--fc-map", arguments->fc_map, "FC-MAP, as in 0e:fc:00")->type_name("MAP");
-  auto* const vlan = command.add_option("--vlan", arguments->vlan, "VLAN id, 0 to 4095")->type_name("ID");
-  command.add_flag("--no-vlan", arguments->no_vlan, "No VLAN id")->excludes(vlan);
+  const Command command = commands.add("fcoe params set", "Change the FCoE parameters; what is not named stays",
+                                       {"vaskdfc fcoe params set 0 --vlan 1002", "vaskdfc fcoe params set 0 --no-vlan --yes",
+                                        "vaskdfc fcoe params set 0 --fc-map 0e:fc:01 --dry-run"},
+                                       [arguments](Context& context) { set_params(context, *arguments); });
+  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  command.add_option("--fc-map", arguments->fc_map, "FC-MAP, as in 0e:fc:00").type_name("MAP");
+  const auto vlan = command.add_option("--vlan", arguments->vlan, "VLAN id, 0 to 4095").type_name("ID");
+  command.add_flag("--no-vlan", arguments->no_vlan, "No VLAN id").excludes(vlan);
 }
 
 }  // namespace
@@ -205,7 +205,7 @@ void add_fcoe_commands(CommandLine& commands) {
       .add("fcoe fcf list", "List the discovered forwarders", {"vaskdfc fcoe fcf list 0", "vaskdfc fcoe fcf list 0 -o json"},
            [listed](Context& context) { list_forwarders(context, *listed); })
       .add_option("ADAPTER", *listed, kAdapterHelp)
-      ->required();
+      .required();
   add_fcoe_connect_commands(commands);
 }
 

@@ -143,13 +143,13 @@ void add_info_commands(CommandLine& commands) {
       .add("log-message", "Write a message into the driver's log", {"vaskdfc log-message 'cable 7 replaced'"},
            [text](Context& context) { log_message(context, *text); })
       .add_option("TEXT", *text, "Message, at most 63 bytes")
-      ->required();
+      .required();
 
   auto arguments = std::make_shared<EventArguments>();
-  CLI::App& command =
+  const Command command =
       commands.add("event-test", "Ask the driver to raise a test event", {"vaskdfc event-test 0", "vaskdfc event-test 0 7 0x20"},
                    [arguments](Context& context) { event_test(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
+  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
   command.add_option("FIRST", arguments->first, "First test value, 0 if left out");
   command.add_option("SECOND", arguments->second, "Second test value, 0 if left out");
 }

@@ -69,13 +69,13 @@ void add_linkdown_commands(CommandLine& commands) {
       .add("linkdown get", "Show whether the link stays down", {"vaskdfc linkdown get 0"},
            [arguments](Context& context) { get(context, *arguments); })
       .add_option("ADAPTER", arguments->adapter, kAdapterHelp)
-      ->required();
+      .required();
 
-  CLI::App& command = commands.add("linkdown set", "Keep the link down across restarts (on), or do not (off)",
-                                   {"vaskdfc linkdown set 0 on", "vaskdfc linkdown set 0 off --yes"},
-                                   [arguments](Context& context) { set(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
-  command.add_option("VALUE", arguments->value, "on or off")->required();
+  const Command command = commands.add("linkdown set", "Keep the link down across restarts (on), or do not (off)",
+                                       {"vaskdfc linkdown set 0 on", "vaskdfc linkdown set 0 off --yes"},
+                                       [arguments](Context& context) { set(context, *arguments); });
+  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  command.add_option("VALUE", arguments->value, "on or off").required();
 }
 
 }  // namespace vaskdfc::tool

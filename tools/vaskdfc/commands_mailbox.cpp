@@ -194,15 +194,15 @@ void add_mailbox_commands(CommandLine& commands) {
                                           "vaskdfc mailbox send 0 0x200 --retries 5 --delay 1000 --yes"};
   commands.group("mailbox", "Send mailboxes to an adapter", examples);
   auto arguments = std::make_shared<Arguments>();
-  CLI::App& command = commands.add(kCommand, "Send a mailbox and show it as it was completed", examples,
-                                   [arguments](Context& context) { run(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
+  const Command command = commands.add(kCommand, "Send a mailbox and show it as it was completed", examples,
+                                       [arguments](Context& context) { run(context, *arguments); });
+  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
   command.add_option("WORD", arguments->words, "Words of the mailbox, 32 bits each; the command is bits 8 to 15 of the first");
   command.add_option("-f,--file", arguments->file, "Take the mailbox from a file of little-endian words, at most 256 bytes")
-      ->type_name("FILE");
-  command.add_option("--retries", arguments->retries, "How often a busy driver is asked, 1 if left out")->type_name("N");
+      .type_name("FILE");
+  command.add_option("--retries", arguments->retries, "How often a busy driver is asked, 1 if left out").type_name("N");
   command.add_option("--delay", arguments->delay, "Milliseconds between attempts, rounded up to seconds; 100 if left out")
-      ->type_name("MS");
+      .type_name("MS");
 }
 
 }  // namespace vaskdfc::tool

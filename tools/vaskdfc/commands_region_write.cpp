@@ -141,24 +141,24 @@ void write(Context& context, const Arguments& arguments) {
 
 void add_region_write_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
-  CLI::App& initialised = commands.add("region init", "Write the initial image to a region",
-                                       {"vaskdfc region init 0 23", "vaskdfc region init 0 22 --dry-run"},
-                                       [arguments](Context& context) { init(context, *arguments); });
-  initialised.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
-  initialised.add_option("REGION", arguments->region, "22: no entries; 23: FCoE defaults, link allowed up")->required();
+  const Command initialised = commands.add("region init", "Write the initial image to a region",
+                                           {"vaskdfc region init 0 23", "vaskdfc region init 0 22 --dry-run"},
+                                           [arguments](Context& context) { init(context, *arguments); });
+  initialised.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  initialised.add_option("REGION", arguments->region, "22: no entries; 23: FCoE defaults, link allowed up").required();
 
-  CLI::App& written =
+  const Command written =
       commands.add("region write", "Write a whole image to a region",
                    {"vaskdfc region write 0 14 --file region14.bin", "vaskdfc region write 3 22 --file region22.bin"},
                    [arguments](Context& context) { write(context, *arguments); });
-  written.add_option("ADAPTER", arguments->adapter, kAdapterHelp)->required();
-  written.add_option("REGION", arguments->region, "14 or 22")->required();
+  written.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  written.add_option("REGION", arguments->region, "14 or 22").required();
   written
       .add_option("-f,--file", arguments->file,
                   fmt::format("The image: {} bytes for region 14; {} bytes with the signature {} for region 22", DFC_REGION14_BYTES,
                               DFC_REGION22_BYTES, kRegion22Signature))
-      ->type_name("FILE")
-      ->required();
+      .type_name("FILE")
+      .required();
 }
 
 }  // namespace vaskdfc::tool

@@ -181,16 +181,16 @@ void run(Context& context, const Arguments& arguments) {
 
 void add_state_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
-  CLI::App& command = commands.add(
+  const Command command = commands.add(
       "set-state", "Set the diagnostic state of an adapter, or of all of them until one fails",
       {"vaskdfc set-state 0 0          # asks for the state", "vaskdfc set-state 0 1 --yes", "vaskdfc set-state all 3 --dry-run"},
       [arguments](Context& context) { run(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, std::string(kAdapterHelp) + "; or \"all\"")->required();
+  command.add_option("ADAPTER", arguments->adapter, std::string(kAdapterHelp) + "; or \"all\"").required();
   command
       .add_option("MODE", arguments->mode,
                   fmt::format("{}: {} shows the state, {} sets it once the adapter is ready", fmt::join(kModes, ", "), kReportMode,
                               DFC_MODE_WAITING))
-      ->required();
+      .required();
 }
 
 }  // namespace vaskdfc::tool
