@@ -3,10 +3,12 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 
 #include "driver/adapter_state.h"
+#include "driver/clock.h"
 #include "driver/regions.h"
 #include "driver/state_store.h"
 #include "scenario/fc_hba.h"
@@ -29,6 +31,10 @@ class Adapter {
   // Named byte strings that applications leave with the firmware; they end with the process.
   std::map<std::string, std::string>& objects() { return objects_; }
 
+  // When the counters last started from nothing, on the driver's clock.
+  std::optional<Clock::Time> restarted() const { return restarted_; }
+  void restart_counters(Clock::Time now) { restarted_ = now; }
+
   // What becomes of the port in a given state.
   fc_hba::PortState port_state(const AdapterState& state) const;
   // The ports that the adapter discovers: none unless it is online.
@@ -42,6 +48,7 @@ class Adapter {
   std::string name_;  // of what the store holds
   Regions regions_;
   std::map<std::string, std::string> objects_;
+  std::optional<Clock::Time> restarted_;
 };
 
 }  // namespace simulator

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "driver/adapter.h"
+#include "driver/clock.h"
 #include "driver/door.h"
 #include "driver/faults.h"
 #include "driver/kernel_log.h"
@@ -33,6 +34,7 @@ class Driver {
   const scenario::Scenario& scenario() const { return scenario_; }
   Adapter* find_adapter(std::uint32_t board);
   KernelLog& kernel_log() { return kernel_log_; }
+  Clock& clock() { return clock_; }
 
  private:
   DriverStatus answer(const vaskdfc::CallbackFacts& callback, Call& call, const Payloads& payloads);
@@ -47,6 +49,7 @@ class Driver {
 
   std::mutex mutex_;  // guards everything below and what the handlers reach
   std::vector<Adapter> adapters_;
+  Clock clock_;
   Faults faults_;
   bool complained_ = false;
 };

@@ -92,6 +92,7 @@ DriverStatus change_state(BoardCall& call, DiagnosticCommand command) {
       case DiagnosticCommand::kReport: return;
     }
   });
+  if (command == DiagnosticCommand::kRestart) call.adapter.restart_counters(call.driver.clock().now());
   call.header.arg4 = reported_state(call.adapter, state);
   return VMKMGMT_SIM_DRIVER_OK;
 }

@@ -12,5 +12,6 @@ void register_mailbox(Door& door);
 void register_extended_mailbox(Door& door);
 void register_regions(Door& door);
 void register_fcoe(Door& door);
+void register_statistics(Door& door);
 
 }  // namespace simulator

@@ -163,6 +163,7 @@ Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
       .persistent_link_down = value.value("persistent_link_down", true),
       .regions = list(value, "regions", region),
       .fcfs = list(value, "fcfs", fcf),
+      .counters = counters(value),
   };
 }
 
@@ -221,7 +222,8 @@ Scenario load_text(std::string_view file, std::string_view text) {
   std::vector<Fabric> fabrics;
   std::ranges::transform(document.value("fabrics", json::array()), std::back_inserter(fabrics), fabric);
 
-  Scenario scenario{.driver = driver(document.at("driver"))};
+  Scenario scenario{.driver = driver(document.at("driver")),
+                    .clock_step_ms = optional_word(document.value("clock", json::object()), "step_ms")};
   for (const json& value : document.at("adapters")) scenario.adapters.push_back(adapter(value, fabrics));
   for (const json& value : document.value("foreign_boards", json::array())) scenario.foreign_boards.push_back(foreign_board(value));
   for (const json& value : document.value("faults", json::array())) scenario.faults.push_back(fault(value));

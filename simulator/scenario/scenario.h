@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "scenario/counters.h"
 #include "vaskdfc/hbaapi.h"
 
 namespace simulator::scenario {
@@ -81,6 +82,7 @@ struct Adapter {
   bool persistent_link_down = true;  // the driver offers to keep the link down across restarts
   std::vector<Region> regions;
   std::vector<Fcf> fcfs;
+  Counters counters;
 };
 
 // A function of another family that answers at a driver board number.
@@ -110,6 +112,7 @@ struct Fault {
 
 struct Scenario {
   Driver driver;
+  std::optional<std::uint32_t> clock_step_ms;  // none: the clock is the host's
   std::vector<Adapter> adapters;
   std::vector<ForeignBoard> foreign_boards;
   std::vector<Fault> faults;

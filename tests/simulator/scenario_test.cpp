@@ -90,8 +90,9 @@ TEST(Scenario, unknown_fields_are_refused_with_those_that_are_known) {
 }
 
 TEST(Scenario, values_of_the_wrong_form_are_shown) {
-  EXPECT_EQ(complaint("[1]"),
-            ": expected a scenario object with the fields driver, fabrics, adapters, foreign_boards and faults, found a list");
+  EXPECT_EQ(
+      complaint("[1]"),
+      ": expected a scenario object with the fields driver, fabrics, adapters, clock, foreign_boards and faults, found a list");
   EXPECT_EQ(complaint_about("/driver", 7), ": driver: expected the driver as an object with name and version, found 7");
   EXPECT_EQ(complaint_about("/adapters/0/wwnn", "20:00"), std::string(": adapters[0].wwnn: ") + kWwn + ", found \"20:00\"");
   EXPECT_EQ(complaint_about("/adapters/0/board", 32),
@@ -202,6 +203,19 @@ TEST(Scenario, fcfs_belong_to_converged_adapters_and_have_their_forms) {
             ": adapters[0].fcfs[0].vlans[0]: expected a VLAN id: an integer from 0 to 4095, found 4096");
   EXPECT_EQ(fcf("/fcfs/0/vlans", {1, 1}), ": adapters[0].fcfs[0].vlans: expected a list of VLAN ids, each once, found a list");
   EXPECT_EQ(fcf("/fcfs/0/word_4", -1), ": adapters[0].fcfs[0].word_4: expected an integer from 0 to 4294967295, found -1");
+}
+
+TEST(Scenario, counters_and_the_clock_have_their_forms) {
+  EXPECT_EQ(complaint_about("/adapters/0/counters", json::parse(R"({"nos": {"wraps": 64}})")),
+            ": adapters[0].counters.nos.wraps: expected the bits after which the counter wraps: an integer from 1 to 63, found 64");
+  EXPECT_EQ(complaint_about("/adapters/0/counters", json::parse(R"({"nos": {"start": 9223372036854775808}})")),
+            ": adapters[0].counters.nos.start: expected the counter's first value: an integer from 0 to 9223372036854775807, found "
+            "9223372036854775808");
+  EXPECT_EQ(complaint_about("/adapters/0/counters", json::parse(R"({"nos": {}})")),
+            ": adapters[0].counters.nos: expected a counter as an object with some of start, per_second, wraps and unsupported");
+  EXPECT_EQ(complaint_about("/clock", json::object()),
+            ": clock.step_ms: missing; expected milliseconds by which every query that depends on time advances the clock: an "
+            "integer from 0 to 4294967295");
 }
 
 TEST(Scenario, faults_must_name_a_callback_and_do_something) {
