@@ -29,6 +29,10 @@ AdapterState Adapter::change(const std::function<void(AdapterState&)>& changes) 
   return state;
 }
 
+std::string Adapter::stored_name(std::string_view what) const {
+  return fmt::format("{}-{:02x}.bin", what, fmt::join(card_.port.wwpn.wwn, ""));
+}
+
 fc_hba::PortState Adapter::port_state(const AdapterState& state) const {
   if (card_.failed) return fc_hba::PortState::kError;
   if (state.not_ready_reports > 0) return fc_hba::PortState::kOffline;

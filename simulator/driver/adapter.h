@@ -9,6 +9,7 @@
 
 #include "driver/adapter_state.h"
 #include "driver/clock.h"
+#include "driver/event_queue.h"
 #include "driver/regions.h"
 #include "driver/state_store.h"
 #include "scenario/fc_hba.h"
@@ -31,6 +32,12 @@ class Adapter {
   // Named byte strings that applications leave with the firmware; they end with the process.
   std::map<std::string, std::string>& objects() { return objects_; }
 
+  EventQueue& events() { return events_; }
+
+  // The store, and the name under which it holds something of this adapter.
+  StateStore& store() { return store_; }
+  std::string stored_name(std::string_view what) const;
+
   // When the counters last started from nothing, on the driver's clock.
   std::optional<Clock::Time> restarted() const { return restarted_; }
   void restart_counters(Clock::Time now) { restarted_ = now; }
@@ -48,6 +55,7 @@ class Adapter {
   std::string name_;  // of what the store holds
   Regions regions_;
   std::map<std::string, std::string> objects_;
+  EventQueue events_;
   std::optional<Clock::Time> restarted_;
 };
 

@@ -13,6 +13,7 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
       store_(std::move(store)),
       trace_(std::move(trace)),
       kernel_log_(*store_),
+      disks_(scenario_, *store_),
       clock_(scenario_.clock_step_ms),
       faults_(scenario_.faults) {
   for (const scenario::Adapter& card : scenario_.adapters) adapters_.emplace_back(card, *store_);
@@ -24,6 +25,12 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
   register_regions(door_);
   register_fcoe(door_);
   register_statistics(door_);
+  register_virtual_ports(door_);
+  register_scsi(door_);
+  register_mapping(door_);
+  register_fabric(door_);
+  register_events(door_);
+  register_rnid(door_);
 }
 
 std::uint32_t Driver::invoke(const std::string& interface_name, const vaskdfc::CallbackFacts& callback, dfc_mgmt_hdr& header,

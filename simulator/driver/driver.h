@@ -10,6 +10,7 @@
 
 #include "driver/adapter.h"
 #include "driver/clock.h"
+#include "driver/disks.h"
 #include "driver/door.h"
 #include "driver/faults.h"
 #include "driver/kernel_log.h"
@@ -35,6 +36,7 @@ class Driver {
   Adapter* find_adapter(std::uint32_t board);
   KernelLog& kernel_log() { return kernel_log_; }
   Clock& clock() { return clock_; }
+  Disks& disks() { return disks_; }
 
  private:
   DriverStatus answer(const vaskdfc::CallbackFacts& callback, Call& call, const Payloads& payloads);
@@ -49,6 +51,7 @@ class Driver {
 
   std::mutex mutex_;  // guards everything below and what the handlers reach
   std::vector<Adapter> adapters_;
+  Disks disks_;
   Clock clock_;
   Faults faults_;
   bool complained_ = false;

@@ -6,10 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <map>
 #include <utility>
+
+#include "driver/memory_image.h"
 
 namespace simulator {
 namespace {
@@ -22,6 +25,7 @@ class MemoryStore final : public StateStore {
     return found->second;
   }
   void update(const std::string& name, const Change& change) override { contents_[name] = change(load(name)); }
+  std::unique_ptr<DiskImage> disk(const std::string&, std::uint64_t) override { return std::make_unique<MemoryImage>(); }
   std::string describe(const std::string& name) const override { return name; }
 
  private:
@@ -64,6 +68,60 @@ auto uninterrupted(Call call) {
   return result;
 }
 
+[[noreturn]] void fail_at(const std::string& path, const char* problem) {
+  throw StateError(fmt::format("{}: {}: {}", path, problem, std::strerror(errno)));
+}
+
+// A sparse file, which begins to exist with the first write.
+class FileImage final : public DiskImage {
+ public:
+  // The folder must stay open.
+  FileImage(int folder, std::string name, std::string path, std::uint64_t bytes)
+      : folder_(folder), name_(std::move(name)), path_(std::move(path)), size_(static_cast<off_t>(bytes)) {
+    struct stat present {};
+    if (fstatat(folder_, name_.c_str(), &present, 0) != 0) return;
+    if (present.st_size != size_) throw StateError::damaged(path_, "the whole file", fmt::format("{} bytes", bytes));
+  }
+
+  void read(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
+    std::ranges::fill(bytes, std::uint8_t{0});
+    const Descriptor file = open_file(O_RDONLY);
+    if (!file.is_open() && errno == ENOENT) return;
+    if (!file.is_open()) fail_at(path_, "cannot be opened");
+    move(offset, bytes.size(), "cannot be read",
+         [&](std::size_t done, off_t place) { return pread(file.get(), bytes.data() + done, bytes.size() - done, place); });
+  }
+
+  void write(std::uint64_t offset, std::span<const std::uint8_t> bytes) override {
+    const Descriptor file = open_file(O_WRONLY | O_CREAT);
+    if (!file.is_open()) fail_at(path_, "cannot be opened");
+    if (ftruncate(file.get(), size_) != 0) fail_at(path_, "cannot be made as large as its disk");
+    move(offset, bytes.size(), "cannot be written",
+         [&](std::size_t done, off_t place) { return pwrite(file.get(), bytes.data() + done, bytes.size() - done, place); });
+  }
+
+ private:
+  Descriptor open_file(int flags) const {
+    return Descriptor(uninterrupted([&] { return openat(folder_, name_.c_str(), flags | O_CLOEXEC, 0666); }));
+  }
+
+  template <typename Step>
+  void move(std::uint64_t offset, std::size_t bytes, const char* problem, Step step) const {
+    std::size_t done = 0;
+    while (done < bytes) {
+      const ssize_t size = uninterrupted([&] { return step(done, static_cast<off_t>(offset + done)); });
+      if (size < 0) fail_at(path_, problem);
+      if (size == 0) return;
+      done += static_cast<std::size_t>(size);
+    }
+  }
+
+  int folder_;
+  std::string name_;
+  std::string path_;
+  off_t size_;
+};
+
 class FolderStore final : public StateStore {
  public:
   explicit FolderStore(const std::string& path) : path_(path), folder_(open_folder(path)) {
@@ -91,6 +149,10 @@ class FolderStore final : public StateStore {
     const std::optional<std::string> present = load(name);
     const std::string content = change(present);
     if (present != content) replace(name, content);
+  }
+
+  std::unique_ptr<DiskImage> disk(const std::string& name, std::uint64_t bytes) override {
+    return std::make_unique<FileImage>(folder_.get(), name, describe(name), bytes);
   }
 
   std::string describe(const std::string& name) const override { return path_ + "/" + name; }
@@ -141,9 +203,6 @@ class FolderStore final : public StateStore {
   }
   [[noreturn]] void fail(const std::string& name, const char* problem) const { fail_at(describe(name), problem); }
   [[noreturn]] void fail_folder(const char* problem) const { fail_at(path_, problem); }
-  [[noreturn]] static void fail_at(const std::string& path, const char* problem) {
-    throw StateError(fmt::format("{}: {}: {}", path, problem, std::strerror(errno)));
-  }
 
   std::string path_;
   Descriptor folder_;

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "driver/disk_image.h"
+
 namespace simulator {
 
 // A folder or a file that cannot be used, in words.
@@ -31,6 +33,10 @@ class StateStore {
   // Reads, changes and stores as one step, also against other processes. What a failure or a kill leaves behind is either the
   // old or the new content, whole.
   virtual void update(const std::string& name, const Change& change) = 0;
+
+  // A disk of this size under a name, kept apart from the byte strings: what is written is there at once and for every process,
+  // but a kill may leave a part of it. Throws StateError when the disk that is stored has another size.
+  virtual std::unique_ptr<DiskImage> disk(const std::string& name, std::uint64_t bytes) = 0;
 
   // How messages call what is stored under a name.
   virtual std::string describe(const std::string& name) const = 0;

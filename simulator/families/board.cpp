@@ -24,7 +24,7 @@ void describe(const Adapter& adapter, dfc_initbrds_rsp& reply) {
   set_text(reply.bytes_24, card.pci.address);
   set_text(reply.bytes_40, card.model);
   std::ranges::copy(card.port.wwpn.wwn, reply.bytes_72);
-  reply.byte_80 = static_cast<std::uint8_t>(card.virtual_ports.size());
+  reply.byte_80 = static_cast<std::uint8_t>(std::min<std::size_t>(card.virtual_ports.size(), 255));
 }
 
 DriverStatus initialise_board(Call& call, dfc_initbrds_rsp& reply) {
@@ -80,8 +80,19 @@ void restart(AdapterState& state, const scenario::Adapter& card) {
   ++state.generation;
 }
 
+// What applications learn when the link goes or comes; where there is no cable it does neither.
+void tell_link(Adapter& adapter, bool was_up, bool is_up, bool restarted) {
+  if (!adapter.card().fabric) return;
+  const auto push = [&](scenario::Event::Code code) {
+    adapter.events().push({.code = static_cast<std::uint32_t>(code), .fc_id = adapter.card().port.fc_id});
+  };
+  if (was_up && (!is_up || restarted)) push(scenario::Event::Code::kLinkDown);
+  if (is_up && (!was_up || restarted)) push(scenario::Event::Code::kLinkUp);
+}
+
 DriverStatus change_state(BoardCall& call, DiagnosticCommand command) {
-  if (!is_ready(call.adapter, call.adapter.state())) return VMKMGMT_SIM_DRIVER_NOT_READY;
+  const AdapterState before = call.adapter.state();
+  if (!is_ready(call.adapter, before)) return VMKMGMT_SIM_DRIVER_NOT_READY;
 
   const AdapterState state = call.adapter.change([&](AdapterState& changed) {
     switch (command) {
@@ -92,6 +103,8 @@ DriverStatus change_state(BoardCall& call, DiagnosticCommand command) {
       case DiagnosticCommand::kReport: return;
     }
   });
+  tell_link(call.adapter, before.diagnostic_state == DiagnosticState::kOnline, state.diagnostic_state == DiagnosticState::kOnline,
+            command == DiagnosticCommand::kRestart);
   if (command == DiagnosticCommand::kRestart) call.adapter.restart_counters(call.driver.clock().now());
   call.header.arg4 = reported_state(call.adapter, state);
   return VMKMGMT_SIM_DRIVER_OK;

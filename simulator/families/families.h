@@ -13,5 +13,11 @@ void register_extended_mailbox(Door& door);
 void register_regions(Door& door);
 void register_fcoe(Door& door);
 void register_statistics(Door& door);
+void register_virtual_ports(Door& door);
+void register_scsi(Door& door);
+void register_mapping(Door& door);
+void register_fabric(Door& door);
+void register_events(Door& door);
+void register_rnid(Door& door);
 
 }  // namespace simulator

@@ -8,6 +8,7 @@
 #include "driver/interface.h"
 #include "families/families.h"
 #include "families/text.h"
+#include "families/wwn.h"
 
 namespace simulator {
 namespace {
@@ -129,8 +130,6 @@ DriverStatus indexed_port_attributes(BoardCall& call, PortAttributesReply& reply
   }
   return VMKMGMT_SIM_DRIVER_OK;
 }
-
-bool operator==(const HbaWwn& left, const HbaWwn& right) { return std::ranges::equal(left.wwn, right.wwn); }
 
 // Position of a port in a list; the list's size if it is not there.
 std::size_t position(std::span<const Port> ports, const HbaWwn& wwpn) {

@@ -4,7 +4,7 @@
 
 #include "driver/driver.h"
 #include "families/families.h"
-#include "vaskdfc/statistics.h"
+#include "families/port_counters.h"
 
 namespace simulator {
 namespace {
@@ -33,17 +33,19 @@ std::int64_t value_of(const Counter& counter, const Adapter& adapter, Clock::Tim
 }
 
 DriverStatus port_statistics(BoardCall& call, HbaPortStatistics& statistics) {
-  const scenario::Adapter& card = call.adapter.card();
-  if (card.failed) return VMKMGMT_SIM_DRIVER_NOT_READY;
-
-  const Clock::Time now = call.driver.clock().next();
-  std::array<std::int64_t, scenario::kCounterNames.size()> values;
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = value_of(card.counters[i], call.adapter, now);
-  statistics = std::bit_cast<HbaPortStatistics>(values);
+  if (call.adapter.card().failed) return VMKMGMT_SIM_DRIVER_NOT_READY;
+  statistics = counters_at(call.adapter, call.driver.clock().next());
   return VMKMGMT_SIM_DRIVER_OK;
 }
 
 }  // namespace
+
+HbaPortStatistics counters_at(const Adapter& adapter, Clock::Time now) {
+  const scenario::Counters& counters = adapter.card().counters;
+  std::array<std::int64_t, scenario::kCounterNames.size()> values;
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = value_of(counters[i], adapter, now);
+  return std::bit_cast<HbaPortStatistics>(values);
+}
 
 void register_statistics(Door& door) { door.on<Callback::kHbaPortStatistics>(port_statistics); }
 

@@ -11,6 +11,7 @@
 
 #include "scenario/document.h"
 #include "scenario/hexadecimal.h"
+#include "scenario/target_consistency.h"
 #include "transport/records/regions.h"
 
 namespace simulator::scenario {
@@ -53,6 +54,7 @@ struct Checker {
     each(document, "", "adapters", &Checker::check_adapter);
     each(document, "", "foreign_boards", &Checker::check_foreign_board);
     each(document, "", "faults", &Checker::check_fault);
+    check_targets(file, document);
   }
 
   template <typename Member>

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -14,6 +13,7 @@
 #include "scenario/embedded.h"
 #include "scenario/fc_hba.h"
 #include "scenario/hexadecimal.h"
+#include "scenario/values.h"
 #include "transport/callbacks.h"
 #include "transport/records/regions.h"
 #include "vmkmgmt_sim.h"
@@ -28,19 +28,15 @@ constexpr std::uint16_t kFamilyVendor = 0x5A41;
 
 // Values are converted only after the schema has accepted the document, so their form is known here.
 
-std::uint32_t prefixed_hexadecimal(const std::string& text) {
-  std::uint32_t value = 0;
-  std::from_chars(text.data() + 2, text.data() + text.size(), value, 16);
-  return value;
-}
-
 std::uint32_t word(const json& value) {
   return value.is_string() ? prefixed_hexadecimal(value.get<std::string>()) : value.get<std::uint32_t>();
 }
 
-HbaWwn wwn(const json& value) {
-  HbaWwn result;
-  std::ranges::copy(*bytes_of(value.get<std::string>()), result.wwn);
+// What becomes of each item of an optional list.
+template <typename Item>
+std::vector<Item> list(const json& object, const char* key, Item (*convert)(const json&)) {
+  std::vector<Item> result;
+  std::ranges::transform(object.value(key, json::array()), std::back_inserter(result), convert);
   return result;
 }
 
@@ -67,6 +63,11 @@ std::array<std::uint8_t, 32> fc4_map(const json& names) {
   return map;
 }
 
+std::optional<std::vector<HbaWwn>> nodes(const json& port) {
+  if (!port.contains("nodes")) return std::nullopt;
+  return list(port, "nodes", wwn);
+}
+
 Port port(const json& value) {
   const std::string speed = value.value("speed", "auto");
   const std::uint32_t supported = speed_bits(value.value("supported_speeds", json::array()));
@@ -78,6 +79,8 @@ Port port(const json& value) {
       .fc4_types = fc4_map(value.value("fc4_types", json::array({"FCP"}))),
       .supported_speeds = supported,
       .speed = speed == "auto" ? fastest(supported) : speed_bit(speed),
+      .units = logical_units(value),
+      .nodes = nodes(value),
   };
 }
 
@@ -128,14 +131,6 @@ Fcf fcf(const json& value) {
   return result;
 }
 
-// What becomes of each item of an optional list.
-template <typename Item>
-std::vector<Item> list(const json& object, const char* key, Item (*convert)(const json&)) {
-  std::vector<Item> result;
-  std::ranges::transform(object.value(key, json::array()), std::back_inserter(result), convert);
-  return result;
-}
-
 Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
   const std::uint32_t board = value.at("board");
   const Port own = port(value);
@@ -158,12 +153,15 @@ Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
       .max_frame_size = value.value("max_frame_size", 2048u),
       .fabric = fabric_named(fabrics, value),
       .virtual_ports = virtual_ports(value.value("virtual_ports", json::array()), own),
+      .max_virtual_ports = max_virtual_ports(value),
       .generation = value.value("generation", 0u),
       .not_ready_reports = value.value("not_ready_reports", 0u),
       .persistent_link_down = value.value("persistent_link_down", true),
       .regions = list(value, "regions", region),
       .fcfs = list(value, "fcfs", fcf),
       .counters = counters(value),
+      .bindings = bindings(value),
+      .events = events(value),
   };
 }
 

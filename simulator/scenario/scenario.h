@@ -10,11 +10,13 @@
 #include <vector>
 
 #include "scenario/counters.h"
+#include "scenario/targets.h"
 #include "vaskdfc/hbaapi.h"
 
 namespace simulator::scenario {
 
 inline constexpr std::uint32_t kBoardNumbers = 32;
+inline constexpr std::uint32_t kBlockBytes = 512;  // of every disk
 
 // A port of a fabric: an adapter's own, a virtual or a remote one.
 struct Port {
@@ -25,6 +27,8 @@ struct Port {
   std::array<std::uint8_t, 32> fc4_types{};
   std::uint32_t supported_speeds = 0;
   std::uint32_t speed = 0;
+  std::vector<LogicalUnit> units;
+  std::optional<std::vector<HbaWwn>> nodes;  // of a virtual port: the ports that it sees; none: all
 };
 
 struct Fabric {
@@ -77,12 +81,15 @@ struct Adapter {
   std::uint32_t max_frame_size = 0;
   std::optional<Fabric> fabric;  // none: no cable is connected
   std::vector<Port> virtual_ports;
+  std::uint32_t max_virtual_ports = 0;
   std::uint32_t generation = 0;
   std::uint32_t not_ready_reports = 0;
   bool persistent_link_down = true;  // the driver offers to keep the link down across restarts
   std::vector<Region> regions;
   std::vector<Fcf> fcfs;
   Counters counters;
+  std::vector<Binding> bindings;
+  std::vector<Event> events;  // in the order of their times
 };
 
 // A function of another family that answers at a driver board number.
