@@ -52,10 +52,10 @@ expect(vital_product_data("0001", "80"), "Unit serial number: 505a41000c001000-1
 for lun in ("0000", "0001"):
     naa = vital_product_data(lun, "83")
     expect(naa, "Addressed logical unit:", "designator type: NAA", "NAA 6, IEEE Company_id: 0x5a41", "Relative target port: 0x1")
-    assert naa.index("NAA 6") < naa.index("Relative target port")
 expect(vital_product_data("0002", "83"), "designator type: T10 vendor identification", "vendor id: KESTAR", "505a41000c001000-2")
-unusable = vital_product_data("0003", "83")
-assert unusable.index("Relative target port") < unusable.index("NAA 6"), unusable
+expect(vital_product_data("0003", "83"), "NAA 6, IEEE Company_id: 0x5a41", "Relative target port: 0x1")
+first_descriptor = ask("0003", "12018300ff00", 255)[0].split()[4:8]  # the decoder sorts by association, the page does not
+assert first_descriptor == ["01", "14", "00", "04"], first_descriptor
 
 # LUNs.
 luns, _ = ask("0000", "a00000000000000001000000", 256)
@@ -69,10 +69,10 @@ for number in range(5):
 # Sense.
 SENSES = [
     ("0063", "000000000000", "Illegal Request", "Logical unit not supported"),
-    ("0000", "280000002000000001" "00", "Illegal Request", "Logical block address out of range", "Info fld=0x2000"),
+    ("0000", "28000000200000000100", "Illegal Request", "Logical block address out of range", "Info fld=0x2000"),
     ("0000", "a30000000000", "Illegal Request", "Invalid command operation code", "byte 0"),
     ("0000", "1201ff00ff00", "Illegal Request", "Invalid field in cdb", "byte 2"),
-    ("0004", "2a0000000000000001" "00", "Data Protect", "Write protected"),
+    ("0004", "2a000000000000000100", "Data Protect", "Write protected"),
 ]
 for lun, cdb, *wanted in SENSES:
     data, sense = ask(lun, cdb, 512)
