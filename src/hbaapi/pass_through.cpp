@@ -68,7 +68,8 @@ uint32_t SendFcpCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, co
   if (room < header.arg3) return HBA_STATUS_ERROR_MORE_DATA;
   // The response runs on over its own length, up to the end of the request.
   constexpr std::size_t kResponse = offsetof(FcpPassThruRequest, response);
-  copy_at_most(response, reinterpret_cast<const uint8_t*>(&request) + kResponse, request.response_bytes, sizeof(request) - kResponse);
+  copy_at_most(response, reinterpret_cast<const uint8_t*>(&request) + kResponse, request.response_bytes,
+               sizeof(request) - kResponse);
   copy_at_most(data, stage->bytes, header.arg3, sizeof(*stage));
   return HBA_STATUS_OK;
 }
