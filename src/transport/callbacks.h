@@ -3,18 +3,25 @@
 #pragma once
 
 #include "transport/callback_table.h"
+#include "transport/records/access.h"
 #include "transport/records/board.h"
 #include "transport/records/events.h"
 #include "transport/records/fabric.h"
 #include "transport/records/fcoe.h"
 #include "transport/records/hbaapi.h"
 #include "transport/records/info.h"
+#include "transport/records/loopback.h"
 #include "transport/records/mailbox.h"
 #include "transport/records/mapping.h"
+#include "transport/records/oas.h"
+#include "transport/records/reset.h"
 #include "transport/records/scsi.h"
 #include "transport/records/vport.h"
 #include "vaskdfc/hbaapi.h"
 #include "vaskdfc/info.h"
+#include "vaskdfc/link.h"
+#include "vaskdfc/parameters.h"
+#include "vaskdfc/priority.h"
 #include "vaskdfc/statistics.h"
 
 namespace vaskdfc {
@@ -107,15 +114,15 @@ struct Callbacks : Table<
     Row<Callback::kLogMsg, "TREL_MGMT_LOG_MSG", In<dfc_kernel_message>>,
     Row<Callback::kCallVer, "TREL_MGMT_CALL_VER", Out<dfc_interface_rev>>,
     Row<Callback::kEventTest, "TREL_MGMT_EVENT_TEST">,
-    Row<Callback::kReadPci, "TREL_MGMT_READ_PCI", Out<Bytes<4096>>>,
-    Row<Callback::kWritePci, "TREL_MGMT_WRITE_PCI", In<Bytes<4096>>>,
-    Row<Callback::kReadMem, "TREL_MGMT_READ_MEM", Out<Bytes<4096>>>,
-    Row<Callback::kWriteMem, "TREL_MGMT_WRITE_MEM", In<Bytes<4096>>>,
+    Row<Callback::kReadPci, "TREL_MGMT_READ_PCI", Out<AccessData>>,
+    Row<Callback::kWritePci, "TREL_MGMT_WRITE_PCI", In<AccessData>>,
+    Row<Callback::kReadMem, "TREL_MGMT_READ_MEM", Out<AccessData>>,
+    Row<Callback::kWriteMem, "TREL_MGMT_WRITE_MEM", In<AccessData>>,
     Row<Callback::kInitBrds, "TREL_MGMT_INITBRDS", Out<dfc_initbrds_rsp>>,
-    Row<Callback::kGetDfcRev, "TREL_MGMT_GET_DFC_REV", Out<Bytes<12>>>,
+    Row<Callback::kGetDfcRev, "TREL_MGMT_GET_DFC_REV", Out<RevisionReply>>,
     Row<Callback::kWriteCtlReg, "TREL_MGMT_WRITE_CTLREG">,
     Row<Callback::kReadCtlReg, "TREL_MGMT_READ_CTLREG">,
-    Row<Callback::kGetVpd, "TREL_MGMT_GET_VPD", Out<Bytes<616>>>,
+    Row<Callback::kGetVpd, "TREL_MGMT_GET_VPD", Out<dfc_vpd_info>>,
     Row<Callback::kGetTrelDfcInfo, "TREL_MGMT_GET_TRELDFC_INFO", Out<DriverInfoReply>>,
     Row<Callback::k132, "">,
     Row<Callback::kSetDiag, "TREL_MGMT_SETDIAG">,
@@ -124,16 +131,16 @@ struct Callbacks : Table<
     Row<Callback::kMboxSliCfgExtSup, "TREL_MGMT_MBOX_SLI_CFG_EXT_SUP">,
     Row<Callback::kInduceDump, "TREL_MGMT_INDUCE_DUMP">,
     Row<Callback::kReset, "TREL_MGMT_RESET">,
-    Row<Callback::kGetDumpRegion, "TREL_MGMT_GET_DUMPREGION", Out<Bytes<16>>>,
+    Row<Callback::kGetDumpRegion, "TREL_MGMT_GET_DUMPREGION", Out<DumpRegionReply>>,
     Row<Callback::kSetFcpPriorityFlag, "TREL_MGMT_SET_FCP_PRIORITY_FLAG">,
     Row<Callback::kGetFcpPriorityFlag, "TREL_MGMT_GET_FCP_PRIORITY_FLAG">,
-    Row<Callback::kGetFcpPriority, "TREL_MGMT_GET_FCP_PRIORITY", Out<Bytes<35932>>>,
-    Row<Callback::kSetFcpPriority, "TREL_MGMT_SET_FCP_PRIORITY", In<Bytes<35932>>>,
+    Row<Callback::kGetFcpPriority, "TREL_MGMT_GET_FCP_PRIORITY", Out<dfc_fcp_prio_list>>,
+    Row<Callback::kSetFcpPriority, "TREL_MGMT_SET_FCP_PRIORITY", In<dfc_fcp_prio_list>>,
     Row<Callback::kGetLogicalLinkSpeed, "TREL_MGMT_GET_LOGICAL_LINK_SPEED">,
-    Row<Callback::kLinkInfo, "TREL_MGMT_LINKINFO", Out<Bytes<168>>>,
-    Row<Callback::kIoInfo, "TREL_MGMT_IOINFO", Out<Bytes<96>>>,
-    Row<Callback::kNodeInfo, "TREL_MGMT_NODEINFO", Out<Bytes<14336>>>,
-    Row<Callback::kGetCfg, "TREL_MGMT_GETCFG", Out<Bytes<8448>>>,
+    Row<Callback::kLinkInfo, "TREL_MGMT_LINKINFO", Out<dfc_link_info>>,
+    Row<Callback::kIoInfo, "TREL_MGMT_IOINFO", Out<dfc_io_info>>,
+    Row<Callback::kNodeInfo, "TREL_MGMT_NODEINFO", Out<dfc_node_table>>,
+    Row<Callback::kGetCfg, "TREL_MGMT_GETCFG", Out<dfc_cfg_table>>,
     Row<Callback::kSetCfg, "TREL_MGMT_SETCFG">,
     Row<Callback::kListBind, "TREL_MGMT_LIST_BIND", Out<BindListReply>>,
     Row<Callback::k170, "", In<Bytes<24>>, Out<Bytes<12>>>,
@@ -175,10 +182,10 @@ struct Callbacks : Table<
     Row<Callback::kVportGetNodeInfo, "TREL_MGMT_VPORT_GET_NODE_INFO", In<WwnKey>, Out<NodeListReply>>,
     Row<Callback::kHbaGetFcfList, "TREL_MGMT_HBA_GET_FCF_LIST", Out<FcfReply>>,
     Row<Callback::kHbaFcpTargetMapping, "TREL_MGMT_HBA_FCPTARGETMAPPING", Out<TargetMappingReply>>,
-    Row<Callback::kLoopbackTest, "TREL_MGMT_LOOPBACK_TEST", In<Bytes<65536>>, Out<Bytes<65536>>>,
+    Row<Callback::kLoopbackTest, "TREL_MGMT_LOOPBACK_TEST", In<LoopbackData>, Out<LoopbackData>>,
     Row<Callback::kLoopbackMode, "TREL_MGMT_LOOPBACK_MODE">,
-    Row<Callback::kOasGet, "TREL_MGMT_OAS_GET", In<Bytes<8>>, In<Bytes<8>>, Out<Bytes<6400>>>,
-    Row<Callback::kOasSetRule, "TREL_MGMT_OAS_SET_RULE", In<Bytes<6400>>>,
+    Row<Callback::kOasGet, "TREL_MGMT_OAS_GET", In<HbaWwn>, In<HbaWwn>, Out<OasListReply>>,
+    Row<Callback::kOasSetRule, "TREL_MGMT_OAS_SET_RULE", In<OasRuleKey>>,
     Row<Callback::kOasVer, "TREL_MGMT_OAS_VER">> {};
 // clang-format on
 

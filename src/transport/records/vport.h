@@ -1,6 +1,7 @@
 // Driver-side records of virtual ports.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "vaskdfc/vport.h"
@@ -20,5 +21,8 @@ struct NodeListReply {
   dfc_node_entry entries[512];
 };
 VASKDFC_RECORD_SIZE(NodeListReply, 157700);
+
+// Where a node's port WWN stands in it: all that the library itself knows of a node.
+inline constexpr std::size_t kNodePortWwn = 284;
 
 }  // namespace vaskdfc
