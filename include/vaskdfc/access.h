@@ -1,8 +1,8 @@
 /*
  * Raw access to an adapter, for diagnostics: its memory, its control registers, its PCI configuration space.
  *
- * Nothing protects an adapter from what is written here. Operations of one table differ in their results for failures that look
- * alike; applications rely on the difference.
+ * Nothing protects an adapter from what is written here. Operations differ in their results for failures that look alike;
+ * applications rely on the difference.
  */
 #ifndef VASKDFC_ACCESS_H
 #define VASKDFC_ACCESS_H

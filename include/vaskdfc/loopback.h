@@ -63,7 +63,7 @@ uint32_t DFC_RunLoopbackTest(uint32_t board, const dfc_loopback* pLoopback);
  *
  * @param board  board index
  * @return DFC_OK; DFC_LOOPBACK_BAD0021 in SLI mode 4 and above; DFC_FAILED when the SLI mode cannot be read, and on any other
- * failure
+ *         failure
  *
  * Driver callbacks: those of DFC_GetDrvInfo, then TREL_MGMT_DIAG_MODE_END or TREL_MGMT_LIP.
  */

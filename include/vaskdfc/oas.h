@@ -73,8 +73,8 @@ uint32_t DFC_SetOASLun(uint32_t board, const HbaWwn* local_port, const HbaWwn* r
  * @param list         its numEntries: in: room in rules; out: the driver's count. Receives as many rules as there is room for;
  *                     untouched on failure
  * @return DFC_OK; DFC_TOO_SMALL when the driver has more rules than there is room for, for a null list (nothing sent) and for
- * platform status 7; DFC_OAS_BAD0010, DFC_OAS_BAD000F, DFC_OAS_BAD0020, DFC_OAS_BAD0030; DFC_FAILED on any other failure or without
- *         memory
+ *         platform status 7; DFC_OAS_BAD0010, DFC_OAS_BAD000F, DFC_OAS_BAD0020, DFC_OAS_BAD0030; DFC_FAILED on any other failure
+ *         or without memory
  *
  * Driver callback: TREL_MGMT_OAS_GET.
  */

@@ -1,8 +1,8 @@
 /*
  * Priority of FCP I/O: a table of rules, a flag that switches it on and off, and the logical link speed.
  *
- * The driver applies the first rule that matches. The library sends the most specific rules first, and beyond that does not
- * interpret them.
+ * The driver evaluates the rules. The library puts the most specific ones first and beyond that does not interpret them: what a
+ * key identifies and what a priority means is the driver's.
  */
 #ifndef VASKDFC_PRIORITY_H
 #define VASKDFC_PRIORITY_H
@@ -80,8 +80,8 @@ uint32_t DFC_QoSGetConfig(uint32_t board, dfc_fcp_prio_list* list);
  *
  * @param board  board index
  * @param list   the rules, at most DFC_FCP_PRIO_MOST_RULES, of which the first 998 travel. They are ordered in place before they
- * are sent and stay so whatever the driver answers: rules without a wildcard, then those whose first wildcard is match4, match3,
- * match2, match1; each of these groups in the reverse of the caller's order
+ *               are sent and stay so whatever the driver answers: rules without a wildcard, then those whose first wildcard is
+ *               match4, match3, match2, match1; each of these groups in the reverse of the caller's order
  * @return DFC_OK; DFC_FAILED on any failure, for more rules (nothing sent, nothing ordered) or without memory (likewise)
  *
  * Driver callback: TREL_MGMT_SET_FCP_PRIORITY.
@@ -94,7 +94,7 @@ uint32_t DFC_QoSSetConfig(uint32_t board, dfc_fcp_prio_list* list);
  * @param board  board index
  * @param speed  receives a tenth of the driver's 16-bit value, without remainder, or DFC_LINK_SPEED_UNKNOWN; untouched on failure
  * @return DFC_OK; DFC_FAILED when the SLI mode cannot be read, and on any other failure; DFC_UNSUPPORTED for SLI mode 3 or below
- * (nothing sent)
+ *         (nothing sent)
  *
  * Driver callbacks: those of DFC_GetDrvInfo, then TREL_MGMT_GET_LOGICAL_LINK_SPEED.
  */

@@ -46,10 +46,10 @@ uint32_t DFC_ResetAdapter(uint32_t board, uint32_t type);
  * Makes an adapter produce a dump, or switches it to a diagnostic state for one.
  *
  * @param board  board index
- * @param mode   DFC_DUMP_MODE_INDUCE; any other mode goes to SetBrdEnv, DFC_MODE_WAITING as 5, except in SLI mode 4, where nothing
- * is done
+ * @param mode   DFC_DUMP_MODE_INDUCE; any other mode goes to SetBrdEnv, DFC_MODE_WAITING as 5, except in SLI mode 4, where
+ *               nothing is done
  * @return DFC_FAILED when the SLI mode cannot be read. For DFC_DUMP_MODE_INDUCE: DFC_DUMP_INDUCED, DFC_DUMP_NOT_INDUCED. For any
- * other mode: 0 in SLI mode 4; DFC_UNSUPPORTED when SetBrdEnv returns 4 or 5; else the result of SetBrdEnv
+ *         other mode: 0 in SLI mode 4; DFC_UNSUPPORTED when SetBrdEnv returns 4 or 5; else the result of SetBrdEnv
  *
  * Driver callbacks: those of DFC_GetDrvInfo, then TREL_MGMT_INDUCE_DUMP or those of SetBrdEnv.
  */
