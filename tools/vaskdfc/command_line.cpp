@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <utility>
 
 #include "decode.h"
 #include "driver_calls.h"
@@ -63,8 +64,19 @@ std::string version_text() {
 
 }  // namespace
 
-void Context::print(const Report& report) const {
-  std::cout << render(report, options_.output) << std::flush;
+void Context::print(const Report& report) const { write(render(report, options_.output)); }
+
+void Context::print_next(const Report& report) {
+  const bool is_first = !std::exchange(printed_, true);
+  if (options_.output.form == Form::kJson) return write(json_of(report).dump() + "\n");
+  OutputOptions output = options_.output;
+  if (output.form == Form::kCsv && !is_first) output.header = false;
+  const bool apart = output.form != Form::kCsv && !is_first;
+  write((apart ? "\n" : "") + render(report, output));
+}
+
+void Context::write(const std::string& text) const {
+  std::cout << text << std::flush;
   if (std::cout) return;
   throw plain_failure(Exit::kFailed, "the output cannot be written", "check that there is room where standard output goes");
 }

@@ -35,6 +35,8 @@ class Context {
   const Options& options() const { return options_; }
   // Writes a report to standard output.
   void print(const Report& report) const;
+  // Writes one of several reports: in JSON a line each, in CSV with one header line for all.
+  void print_next(const Report& report);
   // Writes a failure to standard error and remembers it for the exit code, for commands that carry on.
   void report_failure(const Failure& failure);
   // A remark on standard error.
@@ -48,8 +50,11 @@ class Context {
   Exit exit() const { return exit_; }
 
  private:
+  void write(const std::string& text) const;
+
   const Options& options_;
   Exit exit_ = Exit::kDone;
+  bool printed_ = false;
 };
 
 using Action = std::function<void(Context&)>;
@@ -136,5 +141,14 @@ void add_region_write_commands(CommandLine& commands);
 void add_linkdown_commands(CommandLine& commands);
 void add_fcoe_commands(CommandLine& commands);
 void add_fcoe_connect_commands(CommandLine& commands);
+void add_stats_commands(CommandLine& commands);
+void add_luns_commands(CommandLine& commands);
+void add_npiv_commands(CommandLine& commands);
+void add_scsi_commands(CommandLine& commands);
+void add_ct_commands(CommandLine& commands);
+void add_bindings_commands(CommandLine& commands);
+void add_rnid_commands(CommandLine& commands);
+void add_events_commands(CommandLine& commands);
+void add_scsi_transfer_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -4,6 +4,7 @@
 #include <vaskdfc/mailbox.h>
 #include <vaskdfc/regions.h>
 #include <vaskdfc/result.h>
+#include <vaskdfc/vport.h>
 
 #include <algorithm>
 #include <array>
@@ -26,10 +27,13 @@ constexpr std::array kDumpNames{
     Name{DFC_DUMP_COMPLETED_FFF7, "DFC_DUMP_COMPLETED_FFF7"}, Name{DFC_DUMP_COMPLETED_FFF6, "DFC_DUMP_COMPLETED_FFF6"}};
 constexpr std::array kRegionNames{Name{DFC_RECORD_NOT_FOUND, "DFC_RECORD_NOT_FOUND"},
                                   Name{DFC_REGION22_NO_IMAGE, "DFC_REGION22_NO_IMAGE"}};
-constexpr std::array kHbaNames{Name{HBA_STATUS_OK, "HBA_STATUS_OK"}, Name{HBA_STATUS_ERROR, "HBA_STATUS_ERROR"},
+constexpr std::array kHbaNames{Name{HBA_STATUS_OK, "HBA_STATUS_OK"},
+                               Name{HBA_STATUS_ERROR, "HBA_STATUS_ERROR"},
                                Name{HBA_STATUS_ERROR_ILLEGAL_WWN, "HBA_STATUS_ERROR_ILLEGAL_WWN"},
                                Name{HBA_STATUS_ERROR_ILLEGAL_INDEX, "HBA_STATUS_ERROR_ILLEGAL_INDEX"},
+                               Name{HBA_STATUS_ERROR_MORE_DATA, "HBA_STATUS_ERROR_MORE_DATA"},
                                Name{HBA_STATUS_ERROR_STALE_DATA, "HBA_STATUS_ERROR_STALE_DATA"}};
+constexpr std::array kVportNames{Name{DFC_NO_SUCH_VPORT, "DFC_NO_SUCH_VPORT"}};
 
 std::string name_in(const auto& names, std::uint32_t result) {
   const auto found = std::ranges::find(names, result, &Name::first);
@@ -53,12 +57,16 @@ constexpr std::array kRegionHints{
     Name{DFC_UNSUPPORTED, "not offered by this adapter or its driver; \"vaskdfc show ADAPTER\" tells its SLI mode and features"},
     Name{DFC_RECORD_NOT_FOUND, "\"vaskdfc region init ADAPTER 23\" writes an image that has the record"}};
 
+constexpr std::array kVportHints{
+    Name{DFC_NO_SUCH_VPORT, "no virtual port has this WWN; \"vaskdfc npiv list ADAPTER\" shows those that there are"}};
+
 std::string hint_for_result(Results family, std::uint32_t result) {
   switch (family) {
     case Results::kHba: return name_in(kHbaHints, result);
     case Results::kMailbox: return name_in(kMailboxHints, result);
     case Results::kDump: return name_in(kDumpHints, result);
     case Results::kRegion: return name_in(kRegionHints, result);
+    case Results::kVport: return name_in(kVportHints, result);
     default: return "";
   }
 }
@@ -106,6 +114,7 @@ std::string result_name(Results family, std::uint32_t result) {
     case Results::kMailbox: return own_or_common(kMailboxNames);
     case Results::kDump: return own_or_common(kDumpNames);
     case Results::kRegion: return own_or_common(kRegionNames);
+    case Results::kVport: return own_or_common(kVportNames);
   }
   return "";
 }

@@ -9,5 +9,13 @@ int main(int argc, char** argv) {
   add_region_commands(commands);
   add_linkdown_commands(commands);
   add_fcoe_commands(commands);
+  add_stats_commands(commands);
+  add_luns_commands(commands);
+  add_npiv_commands(commands);
+  add_scsi_commands(commands);
+  add_ct_commands(commands);
+  add_bindings_commands(commands);
+  add_rnid_commands(commands);
+  add_events_commands(commands);
   return commands.run(argc, argv);
 }

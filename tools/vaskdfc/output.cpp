@@ -70,7 +70,7 @@ Json object_of(const Section& section, const Record& record) {
   return object;
 }
 
-std::string render_json(const Report& report) {
+Json json_of(const Report& report) {
   Json document{{"schema", 1}, {"command", report.command}};
   for (const Section& section : report.sections) {
     if (section.shape == Section::Shape::kRecord) {
@@ -80,8 +80,10 @@ std::string render_json(const Report& report) {
     Json& list = document[section.key] = Json::array();
     for (const Record& record : section.records) list.push_back(object_of(section, record));
   }
-  return document.dump(2) + "\n";
+  return document;
 }
+
+std::string render_json(const Report& report) { return json_of(report).dump(2) + "\n"; }
 
 // One section is one CSV table. Several sections have different columns, so each of their fields is a line.
 std::string render_csv(const Report& report, bool header) {

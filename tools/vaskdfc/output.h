@@ -19,6 +19,9 @@ std::string render(const Report& report, const OutputOptions& options);
 // Widest line of a table, in columns.
 inline constexpr std::size_t kTableWidth = 100;
 
+// The report as programs read it.
+Json json_of(const Report& report);
+
 // The forms one by one.
 std::string render_table(const Report& report, bool header);
 std::string render_json(const Report& report);
