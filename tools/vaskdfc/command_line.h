@@ -93,6 +93,9 @@ class Command {
   CLI::App& app_;
 };
 
+// How help texts describe the argument that names an adapter.
+inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN in any usual spelling";
+
 class CommandLine {
  public:
   CommandLine();
@@ -107,10 +110,30 @@ class CommandLine {
   // command was given.
   Command add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples, Action action);
 
+  // The same for an action on a record of arguments, which several commands may share.
+  template <typename Arguments>
+  Command add(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,
+              const std::shared_ptr<Arguments>& arguments, void (*action)(Context&, const Arguments&)) {
+    return add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
+  }
+
+  // A command about one adapter, whose name is the first argument.
+  template <typename Arguments>
+  Command add_for_adapter(const std::string& name, const std::string& summary, const std::vector<std::string>& examples,
+                          const std::shared_ptr<Arguments>& arguments, void (*action)(Context&, const Arguments&)) {
+    Command command = add(name, summary, examples, arguments, action);
+    command.add_option("ADAPTER", adapter_in(*arguments), kAdapterHelp).required();
+    return command;
+  }
+
   // Runs the command that the arguments name and returns the exit code.
   int run(int argc, const char* const* argv);
 
  private:
+  // A command that takes nothing but the adapter needs no record.
+  static std::string& adapter_in(std::string& name) { return name; }
+  static std::string& adapter_in(auto& arguments) { return arguments.adapter; }
+
   CLI::App& subcommand(const std::string& name, const std::string& summary, const std::vector<std::string>& examples);
   Exit run_action();
 
@@ -127,9 +150,6 @@ std::uint16_t vlan_argument(const std::string& spelling);
 
 // The REGION argument: one of the regions that the command knows.
 std::uint32_t region_argument(const std::string& spelling, const std::vector<std::uint32_t>& allowed);
-
-// How help texts describe the argument that names an adapter.
-inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN in any usual spelling";
 
 // The commands of each family.
 void add_info_commands(CommandLine& commands);
@@ -149,6 +169,9 @@ void add_ct_commands(CommandLine& commands);
 void add_bindings_commands(CommandLine& commands);
 void add_rnid_commands(CommandLine& commands);
 void add_events_commands(CommandLine& commands);
+void add_scsi_raw_commands(CommandLine& commands);
 void add_scsi_transfer_commands(CommandLine& commands);
+void add_els_commands(CommandLine& commands);
+void add_mgmt_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -176,17 +176,13 @@ void add_params_commands(CommandLine& commands) {
   commands.group("fcoe params", "FCoE parameters: FC-MAP and VLAN",
                  {"vaskdfc fcoe params get 0", "vaskdfc fcoe params set 0 --vlan 1002"});
   auto arguments = std::make_shared<ParamsArguments>();
-  commands
-      .add("fcoe params get", "Show the FCoE parameters", {"vaskdfc fcoe params get 0"},
-           [arguments](Context& context) { get_params(context, *arguments); })
-      .add_option("ADAPTER", arguments->adapter, kAdapterHelp)
-      .required();
+  commands.add_for_adapter("fcoe params get", "Show the FCoE parameters", {"vaskdfc fcoe params get 0"}, arguments, get_params);
 
-  const Command command = commands.add("fcoe params set", "Change the FCoE parameters; what is not named stays",
-                                       {"vaskdfc fcoe params set 0 --vlan 1002", "vaskdfc fcoe params set 0 --no-vlan --yes",
-                                        "vaskdfc fcoe params set 0 --fc-map 0e:fc:01 --dry-run"},
-                                       [arguments](Context& context) { set_params(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command =
+      commands.add_for_adapter("fcoe params set", "Change the FCoE parameters; what is not named stays",
+                               {"vaskdfc fcoe params set 0 --vlan 1002", "vaskdfc fcoe params set 0 --no-vlan --yes",
+                                "vaskdfc fcoe params set 0 --fc-map 0e:fc:01 --dry-run"},
+                               arguments, set_params);
   command.add_option("--fc-map", arguments->fc_map, "FC-MAP, as in 0e:fc:00").type_name("MAP");
   const auto vlan = command.add_option("--vlan", arguments->vlan, "VLAN id, 0 to 4095").type_name("ID");
   command.add_flag("--no-vlan", arguments->no_vlan, "No VLAN id").excludes(vlan);
@@ -201,11 +197,8 @@ void add_fcoe_commands(CommandLine& commands) {
 
   commands.group("fcoe fcf", "Fibre Channel Forwarders that a port has discovered", {"vaskdfc fcoe fcf list 0"});
   auto listed = std::make_shared<std::string>();
-  commands
-      .add("fcoe fcf list", "List the discovered forwarders", {"vaskdfc fcoe fcf list 0", "vaskdfc fcoe fcf list 0 -o json"},
-           [listed](Context& context) { list_forwarders(context, *listed); })
-      .add_option("ADAPTER", *listed, kAdapterHelp)
-      .required();
+  commands.add_for_adapter("fcoe fcf list", "List the discovered forwarders",
+                           {"vaskdfc fcoe fcf list 0", "vaskdfc fcoe fcf list 0 -o json"}, listed, list_forwarders);
   add_fcoe_connect_commands(commands);
 }
 

@@ -147,15 +147,9 @@ void add_fcoe_connect_commands(CommandLine& commands) {
   commands.group("fcoe connect", "Forwarders that a port may log in to: the FCF connect list",
                  {"vaskdfc fcoe connect list 0", add_examples.front(), "vaskdfc fcoe connect remove 0 1"});
   auto arguments = std::make_shared<Arguments>();
-  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
-    added.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
-    return added;
-  };
-  command("fcoe connect list", "List the entries", {"vaskdfc fcoe connect list 0"}, list);
+  commands.add_for_adapter("fcoe connect list", "List the entries", {"vaskdfc fcoe connect list 0"}, arguments, list);
 
-  const Command add = command("fcoe connect add", "Add an entry at the end", add_examples, add_entry);
+  const Command add = commands.add_for_adapter("fcoe connect add", "Add an entry at the end", add_examples, arguments, add_entry);
   add.add_option("--vlan", arguments->vlan, "VLAN id to use, 0 to 4095").type_name("ID").required();
   add.add_option("--names", arguments->names, "Names of the forwarder: two WWNs, or 32 hexadecimal digits")
       .type_name("NAMES")
@@ -163,10 +157,12 @@ void add_fcoe_connect_commands(CommandLine& commands) {
       .required();
   add.add_option("--flags", arguments->flags, "Flags of the entry, 0 to 0x3f; bit 0 is always set").type_name("FLAGS");
 
-  command("fcoe connect remove", "Remove the entry at a position", {"vaskdfc fcoe connect remove 0 1"}, remove_entry)
+  commands
+      .add_for_adapter("fcoe connect remove", "Remove the entry at a position", {"vaskdfc fcoe connect remove 0 1"}, arguments,
+                       remove_entry)
       .add_option("POSITION", arguments->position, "Position of the entry, from 0")
       .required();
-  command("fcoe connect clear", "Remove all entries", {"vaskdfc fcoe connect clear 0"}, clear);
+  commands.add_for_adapter("fcoe connect clear", "Remove all entries", {"vaskdfc fcoe connect clear 0"}, arguments, clear);
 }
 
 }  // namespace vaskdfc::tool

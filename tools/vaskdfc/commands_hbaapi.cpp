@@ -290,30 +290,21 @@ void add_hbaapi_commands(CommandLine& commands) {
   commands.add("list", "List all adapters", {"vaskdfc list", "vaskdfc list -o json", "vaskdfc list -o csv --no-header"}, list);
 
   auto shown = std::make_shared<std::string>();
-  commands
-      .add("show", "Show all attributes of an adapter, its driver and its port",
-           {"vaskdfc show 0", "vaskdfc show 10:00:00:11:22:33:44:55 -o keyvalue"},
-           [shown](Context& context) { show(context, *shown); })
-      .add_option("ADAPTER", *shown, kAdapterHelp)
-      .required();
+  commands.add_for_adapter("show", "Show all attributes of an adapter, its driver and its port",
+                           {"vaskdfc show 0", "vaskdfc show 10:00:00:11:22:33:44:55 -o keyvalue"}, shown, show);
 
   auto arguments = std::make_shared<PortsArguments>();
-  const Command command = commands.add("ports", "Show an adapter's own port, or ports that it has discovered",
-                                       {"vaskdfc ports 0", "vaskdfc ports 0 --discovered", "vaskdfc ports 0 --index 2",
-                                        "vaskdfc ports 0 --wwn 50:5a:41:00:0c:00:10:01"},
-                                       [arguments](Context& context) { ports(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command = commands.add_for_adapter("ports", "Show an adapter's own port, or ports that it has discovered",
+                                                   {"vaskdfc ports 0", "vaskdfc ports 0 --discovered", "vaskdfc ports 0 --index 2",
+                                                    "vaskdfc ports 0 --wwn 50:5a:41:00:0c:00:10:01"},
+                                                   arguments, ports);
   const auto which = command.add_alternatives("Which ports; without one of these the adapter's own");
   which.add_flag("--discovered", arguments->discovered, "All ports that the adapter has discovered");
   which.add_option("--index", arguments->index, "The port at this position of the driver's port list").type_name("N");
   which.add_option("--wwn", arguments->wwn, "The port of this port WWN").type_name("WWN");
 
   auto refreshed = std::make_shared<std::string>();
-  commands
-      .add("refresh", "Renew the driver's view of the discovered ports", {"vaskdfc refresh 0"},
-           [refreshed](Context& context) { refresh(context, *refreshed); })
-      .add_option("ADAPTER", *refreshed, kAdapterHelp)
-      .required();
+  commands.add_for_adapter("refresh", "Renew the driver's view of the discovered ports", {"vaskdfc refresh 0"}, refreshed, refresh);
 }
 
 }  // namespace vaskdfc::tool

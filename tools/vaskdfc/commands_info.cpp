@@ -146,10 +146,8 @@ void add_info_commands(CommandLine& commands) {
       .required();
 
   auto arguments = std::make_shared<EventArguments>();
-  const Command command =
-      commands.add("event-test", "Ask the driver to raise a test event", {"vaskdfc event-test 0", "vaskdfc event-test 0 7 0x20"},
-                   [arguments](Context& context) { event_test(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command = commands.add_for_adapter("event-test", "Ask the driver to raise a test event",
+                                                   {"vaskdfc event-test 0", "vaskdfc event-test 0 7 0x20"}, arguments, event_test);
   command.add_option("FIRST", arguments->first, "First test value, 0 if left out");
   command.add_option("SECOND", arguments->second, "Second test value, 0 if left out");
 }

@@ -65,16 +65,11 @@ void add_linkdown_commands(CommandLine& commands) {
   commands.group("linkdown", "Whether an adapter keeps its link down across restarts",
                  {"vaskdfc linkdown get 0", "vaskdfc linkdown set 0 on"});
   auto arguments = std::make_shared<Arguments>();
-  commands
-      .add("linkdown get", "Show whether the link stays down", {"vaskdfc linkdown get 0"},
-           [arguments](Context& context) { get(context, *arguments); })
-      .add_option("ADAPTER", arguments->adapter, kAdapterHelp)
-      .required();
+  commands.add_for_adapter("linkdown get", "Show whether the link stays down", {"vaskdfc linkdown get 0"}, arguments, get);
 
-  const Command command = commands.add("linkdown set", "Keep the link down across restarts (on), or do not (off)",
-                                       {"vaskdfc linkdown set 0 on", "vaskdfc linkdown set 0 off --yes"},
-                                       [arguments](Context& context) { set(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command =
+      commands.add_for_adapter("linkdown set", "Keep the link down across restarts (on), or do not (off)",
+                               {"vaskdfc linkdown set 0 on", "vaskdfc linkdown set 0 off --yes"}, arguments, set);
   command.add_option("VALUE", arguments->value, "on or off").required();
 }
 

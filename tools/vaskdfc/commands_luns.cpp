@@ -85,10 +85,9 @@ void luns(Context& context, const Arguments& arguments) {
 
 void add_luns_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
-  const Command command = commands.add("luns", "List the logical units that the driver has mapped, with their identifiers",
-                                       {"vaskdfc luns 0", "vaskdfc luns 0 --tree", "vaskdfc luns 0 -o json"},
-                                       [arguments](Context& context) { luns(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command =
+      commands.add_for_adapter("luns", "List the logical units that the driver has mapped, with their identifiers",
+                               {"vaskdfc luns 0", "vaskdfc luns 0 --tree", "vaskdfc luns 0 -o json"}, arguments, luns);
   command.add_flag("--tree", arguments->tree, "Group the units by target port");
 }
 

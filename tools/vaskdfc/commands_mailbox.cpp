@@ -194,9 +194,8 @@ void add_mailbox_commands(CommandLine& commands) {
                                           "vaskdfc mailbox send 0 0x200 --retries 5 --delay 1000 --yes"};
   commands.group("mailbox", "Send mailboxes to an adapter", examples);
   auto arguments = std::make_shared<Arguments>();
-  const Command command = commands.add(kCommand, "Send a mailbox and show it as it was completed", examples,
-                                       [arguments](Context& context) { run(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command =
+      commands.add_for_adapter(kCommand, "Send a mailbox and show it as it was completed", examples, arguments, run);
   command.add_option("WORD", arguments->words, "Words of the mailbox, 32 bits each; the command is bits 8 to 15 of the first");
   command.add_option("-f,--file", arguments->file, "Take the mailbox from a file of little-endian words, at most 256 bytes")
       .type_name("FILE");

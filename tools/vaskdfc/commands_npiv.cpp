@@ -184,19 +184,17 @@ void add_npiv_commands(CommandLine& commands) {
   commands.group("npiv", "Virtual ports (N_Port ID virtualisation)",
                  {"vaskdfc npiv status 0", "vaskdfc npiv list 0", "vaskdfc npiv nodes 0"});
   auto arguments = std::make_shared<Arguments>();
-  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
-    added.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
-    return added;
-  };
-  command("npiv status", "Show whether a port can carry virtual ports, and how many", {"vaskdfc npiv status 0"}, status);
-  command("npiv list", "List the virtual ports", {"vaskdfc npiv list 0"}, list);
-  command("npiv show", "Show the attributes of a virtual port", {"vaskdfc npiv show 0 10:00:00:11:22:33:44:55"}, show)
+  commands.add_for_adapter("npiv status", "Show whether a port can carry virtual ports, and how many", {"vaskdfc npiv status 0"},
+                           arguments, status);
+  commands.add_for_adapter("npiv list", "List the virtual ports", {"vaskdfc npiv list 0"}, arguments, list);
+  commands
+      .add_for_adapter("npiv show", "Show the attributes of a virtual port", {"vaskdfc npiv show 0 10:00:00:11:22:33:44:55"},
+                       arguments, show)
       .add_option("WWN", arguments->wwn, "Port WWN of the virtual port")
       .required();
-  command("npiv nodes", "List the nodes that a virtual port sees, or the adapter's own port",
-          {"vaskdfc npiv nodes 0", "vaskdfc npiv nodes 0 10:00:00:11:22:33:44:55"}, nodes)
+  commands
+      .add_for_adapter("npiv nodes", "List the nodes that a virtual port sees, or the adapter's own port",
+                       {"vaskdfc npiv nodes 0", "vaskdfc npiv nodes 0 10:00:00:11:22:33:44:55"}, arguments, nodes)
       .add_option("WWN", arguments->wwn, "Port WWN of the virtual port; without it the adapter's own");
 }
 

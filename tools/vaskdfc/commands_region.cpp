@@ -164,20 +164,17 @@ void add_region_commands(CommandLine& commands) {
   commands.group("region", "Configuration regions, which an adapter keeps in non-volatile memory",
                  {"vaskdfc region list 0", "vaskdfc region show 0 23", "vaskdfc region dump 0 23 --file region23.bin"});
   auto arguments = std::make_shared<Arguments>();
-  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
-    added.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
-    return added;
-  };
-  command("region list", "List the regions: which are there, and what the tool can do with them", {"vaskdfc region list 0"}, list);
-  command("region show", "Show what a region holds, record by record", {"vaskdfc region show 0 23", "vaskdfc region show 3 22"},
-          show)
+  commands.add_for_adapter("region list", "List the regions: which are there, and what the tool can do with them",
+                           {"vaskdfc region list 0"}, arguments, list);
+  commands
+      .add_for_adapter("region show", "Show what a region holds, record by record",
+                       {"vaskdfc region show 0 23", "vaskdfc region show 3 22"}, arguments, show)
       .add_option("REGION", arguments->region, "22 or 23")
       .required();
 
-  const Command dumped = command("region dump", "Show the bytes of a region, or write them to a file",
-                                 {"vaskdfc region dump 0 23", "vaskdfc region dump 0 23 --file region23.bin"}, dump);
+  const Command dumped =
+      commands.add_for_adapter("region dump", "Show the bytes of a region, or write them to a file",
+                               {"vaskdfc region dump 0 23", "vaskdfc region dump 0 23 --file region23.bin"}, arguments, dump);
   dumped.add_option("REGION", arguments->region, "Number of the region").required();
   dumped.add_option("-f,--file", arguments->file, "Write the bytes to this file, whole or not at all").type_name("FILE");
   add_region_write_commands(commands);

@@ -141,17 +141,14 @@ void write(Context& context, const Arguments& arguments) {
 
 void add_region_write_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
-  const Command initialised = commands.add("region init", "Write the initial image to a region",
-                                           {"vaskdfc region init 0 23", "vaskdfc region init 0 22 --dry-run"},
-                                           [arguments](Context& context) { init(context, *arguments); });
-  initialised.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command initialised =
+      commands.add_for_adapter("region init", "Write the initial image to a region",
+                               {"vaskdfc region init 0 23", "vaskdfc region init 0 22 --dry-run"}, arguments, init);
   initialised.add_option("REGION", arguments->region, "22: no entries; 23: FCoE defaults, link allowed up").required();
 
-  const Command written =
-      commands.add("region write", "Write a whole image to a region",
-                   {"vaskdfc region write 0 14 --file region14.bin", "vaskdfc region write 3 22 --file region22.bin"},
-                   [arguments](Context& context) { write(context, *arguments); });
-  written.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command written = commands.add_for_adapter(
+      "region write", "Write a whole image to a region",
+      {"vaskdfc region write 0 14 --file region14.bin", "vaskdfc region write 3 22 --file region22.bin"}, arguments, write);
   written.add_option("REGION", arguments->region, "14 or 22").required();
   written
       .add_option("-f,--file", arguments->file,

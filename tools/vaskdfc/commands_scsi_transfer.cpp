@@ -133,8 +133,7 @@ void write(Context& context, const Arguments& arguments) {
 void add_scsi_transfer_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
   const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
+    const Command added = commands.add(name, summary, examples, arguments, action);
     add_unit_arguments(added, arguments->unit).required();
     added.add_option("-f,--file", arguments->file, "The file").type_name("FILE").required();
     added.add_option("--block", arguments->first, "The first block; 0 unless it is given").type_name("N");

@@ -137,11 +137,9 @@ void stats(Context& context, const Arguments& arguments) {
 
 void add_stats_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
-  const Command command =
-      commands.add("stats", "Show the port counters, or how fast they move",
-                   {"vaskdfc stats 0", "vaskdfc stats 0 --watch 5", "vaskdfc stats 0 --reset --watch 1 --count 60 -o json"},
-                   [arguments](Context& context) { stats(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
+  const Command command = commands.add_for_adapter(
+      "stats", "Show the port counters, or how fast they move",
+      {"vaskdfc stats 0", "vaskdfc stats 0 --watch 5", "vaskdfc stats 0 --reset --watch 1 --count 60 -o json"}, arguments, stats);
   command.add_flag("--reset", arguments->reset, "Count from now on; the driver and other programs count on as before");
   const auto watched =
       command.add_option("--watch", arguments->watch, "Show rates again and again, every so many seconds").type_name("SECONDS");
