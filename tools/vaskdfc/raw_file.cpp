@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -60,10 +61,13 @@ class Draft {
 std::vector<std::uint8_t> read_file(const std::string& path, std::size_t most) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw usage_failure(fmt::format("the file \"{}\" cannot be opened: {}", path, reason()));
-  std::vector<std::uint8_t> bytes(most + 1);
-  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  std::vector<std::uint8_t> bytes;
+  std::array<char, 65536> part;
+  while (file && bytes.size() <= most) {
+    file.read(part.data(), part.size());
+    bytes.insert(bytes.end(), part.data(), part.data() + file.gcount());
+  }
   if (file.bad()) throw usage_failure(fmt::format("the file \"{}\" cannot be read: {}", path, reason()));
-  bytes.resize(static_cast<std::size_t>(file.gcount()));
   if (bytes.size() <= most) return bytes;
   throw usage_failure(fmt::format("the file \"{}\" is too long: at most {} bytes can be used", path, most));
 }
