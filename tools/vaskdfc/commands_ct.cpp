@@ -9,7 +9,7 @@
 #include "command_line.h"
 #include "common_transport.h"
 #include "decode.h"
-#include "progress.h"
+#include "fabric_services.h"
 #include "raw_file.h"
 #include "session.h"
 
@@ -24,32 +24,6 @@ struct Arguments {
   std::optional<std::string> file;
 };
 
-std::vector<std::uint8_t> ask(std::uint32_t adapter, Bytes request) {
-  std::vector<std::uint8_t> reply(DFC_SERVICE_BYTES);
-  std::uint32_t reply_bytes = DFC_SERVICE_BYTES;
-  watch_driver_calls();
-  const std::uint32_t result =
-      SendCTPassThru(adapter, request.data(), static_cast<std::uint32_t>(request.size()), reply.data(), &reply_bytes);
-  if (result != DFC_OK) {
-    throw operation_failure("the fabric cannot be asked", adapter, "SendCTPassThru", Results::kDfc, result);
-  }
-  reply.resize(std::min<std::size_t>(reply_bytes, reply.size()));
-  return reply;
-}
-
-CtAnswer understood(std::uint32_t adapter, Bytes reply) {
-  if (const auto answer = parse_ct_answer(reply)) return *answer;
-  throw operation_failure(fmt::format("{} bytes came back, which are no answer of a fabric service", reply.size()), adapter,
-                          "SendCTPassThru", Results::kDfc, DFC_OK);
-}
-
-Failure rejection(std::uint32_t adapter, const CtAnswer& answer) {
-  Failure failure = operation_failure(fmt::format("the fabric rejected the request: {}", rejection_text(answer)), adapter,
-                                      "SendCTPassThru", Results::kDfc, DFC_OK);
-  failure.hint = "\"vaskdfc nameserver ADAPTER\" shows what is registered";
-  return failure;
-}
-
 std::vector<std::uint8_t> port_key(std::uint32_t fc_id) {
   std::vector<std::uint8_t> key(4);
   put_number(std::span(key).subspan(1), fc_id);
@@ -58,30 +32,22 @@ std::vector<std::uint8_t> port_key(std::uint32_t fc_id) {
 
 // --- nameserver
 
-const NameQuery& query_named(const std::string& name) {
-  const auto found = std::ranges::find_if(kNameQueries, [&](const NameQuery& query) { return query.name == name; });
-  if (found != kNameQueries.end()) return *found;
-  std::vector<std::string> names;
-  for (const NameQuery& query : kNameQueries) names.emplace_back(query.name);
-  throw usage_failure(fmt::format("QUERY: \"{}\" is none of {}", name, fmt::join(names, ", ")));
-}
-
 // GA_NXT names the port behind the one that was asked for, and begins again with the first after the last. A name server that does
 // not count upwards would never end.
 std::vector<NamedPort> walk(std::uint32_t adapter) {
   std::vector<NamedPort> ports;
   std::uint32_t after = 0;
   while (true) {
-    const auto reply = ask(adapter, name_request(query_named("ga_nxt"), port_key(after)));
-    const CtAnswer answer = understood(adapter, reply);
+    const auto reply = ask_service(adapter, name_request(name_query("ga_nxt"), port_key(after)));
+    const CtAnswer answer = understood_answer(adapter, reply);
     if (!answer.accepted) {
-      if (ports.empty()) throw rejection(adapter, answer);
+      if (ports.empty()) throw service_rejection(adapter, answer);
       return ports;
     }
     const auto port = parse_named_port(answer.payload);
     if (!port) {
       throw operation_failure(fmt::format("the answer about the port behind 0x{:06x} ends too early", after), adapter,
-                              "SendCTPassThru", Results::kDfc, DFC_OK);
+                              kServiceOperation, Results::kDfc, DFC_OK);
     }
     if (!ports.empty() && port->fc_id <= after) return ports;
     after = port->fc_id;
@@ -151,25 +117,25 @@ std::vector<std::string> values_in(const NameQuery& query, Bytes payload) {
 }
 
 void send(Context& context, const Arguments& arguments) {
-  const NameQuery& query = query_named(arguments.query);
+  const NameQuery& query = name_query(arguments.query);
   const auto request = name_request(query, key_of(query, arguments.key));
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  const auto reply = ask(adapter, request);
-  const CtAnswer answer = understood(adapter, reply);
-  if (!answer.accepted) throw rejection(adapter, answer);
-  std::vector<NamedPort> ports;
+  const auto reply = ask_service(adapter, request);
+  const CtAnswer answer = understood_answer(adapter, reply);
+  if (!answer.accepted) throw service_rejection(adapter, answer);
+  Report report{.command = "ct send",
+                .sections = {record_section("answer", "Answer",
+                                            {{"adapter", "Adapter", number_cell(adapter)},
+                                             {"query", "Query", text_cell(query.name)},
+                                             {"what", "What", text_cell(query.what)},
+                                             {"values", "Values", list_cell(values_in(query, answer.payload))},
+                                             {"bytes", "Bytes", number_cell(reply.size())}})}};
   if (query.reply == NameQuery::Reply::kObject) {
-    if (auto port = parse_named_port(answer.payload)) ports.push_back(std::move(*port));
+    const auto port = parse_named_port(answer.payload);
+    report.sections.push_back(ports_section(port ? std::vector{*port} : std::vector<NamedPort>{}));
   }
-  context.print({.command = "ct send",
-                 .sections = {record_section("answer", "Answer",
-                                             {{"adapter", "Adapter", number_cell(adapter)},
-                                              {"query", "Query", text_cell(query.name)},
-                                              {"what", "What", text_cell(query.what)},
-                                              {"values", "Values", list_cell(values_in(query, answer.payload))},
-                                              {"bytes", "Bytes", number_cell(reply.size())}}),
-                              ports_section(ports)}});
+  context.print(report);
 }
 
 // --- ct raw
@@ -184,7 +150,7 @@ void raw(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   if (!context.may_change(fmt::format("send a CT request of {} bytes through adapter {}", request.size(), adapter))) return;
-  const auto reply = ask(adapter, request);
+  const auto reply = ask_service(adapter, request);
   if (arguments.file) write_file(*arguments.file, reply);
   const auto answer = parse_ct_answer(reply);
   context.print({.command = "ct raw",
@@ -208,21 +174,17 @@ std::string queries_help() {
 
 void add_ct_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
-  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
-    added.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
-    return added;
-  };
-  command("nameserver", "List all ports that are registered in the fabric", {"vaskdfc nameserver 0"}, list_names);
+  commands.add_for_adapter("nameserver", "List all ports that are registered in the fabric", {"vaskdfc nameserver 0"}, arguments,
+                           list_names);
   commands.group("ct", "Requests to the services of a fabric (Common Transport)",
                  {"vaskdfc ct send 0 gid_ft 8", "vaskdfc ct raw 0 request.bin --file reply.bin"});
-  const Command sent = command("ct send", "Ask the name server",
-                               {"vaskdfc ct send 0 gid_ft 8", "vaskdfc ct send 0 gid_pn 50:5a:41:00:0c:00:20:01"}, send);
+  const Command sent =
+      commands.add_for_adapter("ct send", "Ask the name server",
+                               {"vaskdfc ct send 0 gid_ft 8", "vaskdfc ct send 0 gid_pn 50:5a:41:00:0c:00:20:01"}, arguments, send);
   sent.add_option("QUERY", arguments->query, queries_help()).required();
   sent.add_option("KEY", arguments->key, "A port id, a WWN, or the number of an FC-4 type").required();
-  const Command passed = command("ct raw", "Send the CT request that a file holds, preamble and all",
-                                 {"vaskdfc ct raw 0 request.bin --yes --file reply.bin"}, raw);
+  const Command passed = commands.add_for_adapter("ct raw", "Send the CT request that a file holds, preamble and all",
+                                                  {"vaskdfc ct raw 0 request.bin --yes --file reply.bin"}, arguments, raw);
   passed.add_option("REQUEST", arguments->request, "The file with the request").type_name("FILE").required();
   passed.add_option("-f,--file", arguments->file, "Write the reply to this file").type_name("FILE");
 }

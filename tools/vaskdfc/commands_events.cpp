@@ -7,6 +7,7 @@
 #include <bit>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "command_line.h"
 #include "decode.h"
@@ -55,7 +56,7 @@ std::vector<Column> event_columns() {
   return {{"adapter", "ADAPTER"}, {"event", "EVENT"}, {"fc_id", "FC ID"}, {"affected", "AFFECTED"}, {"missed", "MISSED"}};
 }
 
-// `missed`: events that the driver lost before it told of these.
+// `missed`: events that the driver lost before it told of this one.
 Record event_record(std::uint32_t adapter, const HbaEvent& event, std::uint32_t missed) {
   const auto information = std::bit_cast<EventInformation>(event);
   return {number_cell(adapter), text_cell(event_name(information.code)), fc_id_cell(information.fc_id),
@@ -68,7 +69,8 @@ std::vector<Record> drained(std::uint32_t adapter) {
   std::vector<Record> records;
   for (int i = 0; i < kMostReads; ++i) {
     const auto events = take_events(adapter);
-    for (const HbaEvent& event : events) records.push_back(event_record(adapter, event, EventMissedCount));
+    std::uint32_t missed = EventMissedCount;
+    for (const HbaEvent& event : events) records.push_back(event_record(adapter, event, std::exchange(missed, 0)));
     if (events.empty()) break;
   }
   return records;

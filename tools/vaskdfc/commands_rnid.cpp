@@ -10,8 +10,8 @@
 #include "change_report.h"
 #include "command_line.h"
 #include "decode.h"
+#include "link_services.h"
 #include "session.h"
-#include "wire.h"
 
 namespace vaskdfc::tool {
 namespace {
@@ -103,25 +103,14 @@ void set(Context& context, const Arguments& arguments) {
 
 constexpr std::size_t kReplyBytes = 64;
 
-// FC-LS: the accept begins with its command word and the lengths of what follows.
-std::vector<Field> reply_fields(Bytes reply) {
-  constexpr std::uint8_t kGeneralTopology = 0xDF;
-  const auto format = number_at<std::uint8_t>(reply, 4);
-  const std::size_t common = number_at<std::uint8_t>(reply, 5).value_or(0);
-  const bool has_names = common >= 2 * sizeof(HbaWwn) && reply.size() >= 8 + 2 * sizeof(HbaWwn);
-  const auto name = [&](std::size_t at) { return has_names ? text_cell(colon_text(part(reply, at, sizeof(HbaWwn)))) : absent(); };
-  const Bytes topology = format == kGeneralTopology ? part(reply, 8 + common) : Bytes{};
-  const auto topology_word = [&](std::size_t at) {
-    const auto word = number_at(topology, at);
-    return word ? number_cell(*word) : absent();
-  };
-  return {{"format", "Format", format ? text_cell(fmt::format("0x{:02x}", *format)) : absent()},
-          {"port_wwn", "Port WWN", name(8)},
-          {"node_wwn", "Node WWN", name(16)},
-          {"unit_type", "Unit type", topology_word(16)},
-          {"port_number", "Port number", topology_word(20)},
-          {"attached_nodes", "Attached nodes", topology_word(24)},
-          {"reply", "Reply", hex_bytes_cell(reply)}};
+std::vector<Field> answer_fields(std::uint32_t adapter, const HbaWwn& wwn, Bytes reply) {
+  const auto answer = parse_link_answer(reply);
+  std::vector<Field> fields{{"adapter", "Adapter", number_cell(adapter)}, {"wwn", "WWN", wwn_cell(wwn)}};
+  for (Field& field : identification_fields(answer && answer->accepted ? answer->payload : Bytes{})) {
+    fields.push_back(std::move(field));
+  }
+  fields.push_back({"reply", "Reply", hex_bytes_cell(reply)});
+  return fields;
 }
 
 void send(Context& context, const Arguments& arguments) {
@@ -140,8 +129,7 @@ void send(Context& context, const Arguments& arguments) {
   if (result != HBA_STATUS_OK) {
     throw operation_failure(fmt::format("{} did not identify itself", wwn_text(*wwn)), adapter, "SendRNID", Results::kHba, result);
   }
-  std::vector<Field> fields{{"adapter", "Adapter", number_cell(adapter)}, {"wwn", "WWN", wwn_cell(*wwn)}};
-  for (Field& field : reply_fields(part(reply, 0, bytes))) fields.push_back(std::move(field));
+  auto fields = answer_fields(adapter, *wwn, part(reply, 0, bytes));
   context.print({.command = "rnid send", .sections = {record_section("answer", "Answer", std::move(fields))}});
 }
 
@@ -151,23 +139,18 @@ void add_rnid_commands(CommandLine& commands) {
   commands.group("rnid", "Node identification data (RNID): what the adapter tells, and what others tell",
                  {"vaskdfc rnid get 0", "vaskdfc rnid set 0 --udp-port 7000", "vaskdfc rnid send 0 50:5a:41:00:0c:00:20:01"});
   auto arguments = std::make_shared<Arguments>();
-  const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
-    added.add_option("ADAPTER", arguments->adapter, kAdapterHelp).required();
-    return added;
-  };
-  command("rnid get", "Show what the adapter tells when others ask it", {"vaskdfc rnid get 0"}, get);
-  const Command changed = command("rnid set", "Change what the adapter tells; what is not named stays",
-                                  {"vaskdfc rnid set 0 --unit-type 10 --udp-port 7000"}, set);
+  commands.add_for_adapter("rnid get", "Show what the adapter tells when others ask it", {"vaskdfc rnid get 0"}, arguments, get);
+  const Command changed = commands.add_for_adapter("rnid set", "Change what the adapter tells; what is not named stays",
+                                                   {"vaskdfc rnid set 0 --unit-type 10 --udp-port 7000"}, arguments, set);
   changed.add_option("--unit-type", arguments->unit_type, "Unit type").type_name("N");
   changed.add_option("--attached-nodes", arguments->attached_nodes, "Number of attached nodes").type_name("N");
   changed.add_option("--ip-version", arguments->ip_version, "IP version").type_name("N");
   changed.add_option("--udp-port", arguments->udp_port, "UDP port").type_name("N");
   changed.add_option("--ip-address", arguments->ip_address, "All 16 bytes of the IP address").type_name("BYTES");
   changed.add_option("--flags", arguments->flags, "Topology discovery flags").type_name("N");
-  const Command sent = command("rnid send", "Ask a remote port for its identification",
-                               {"vaskdfc rnid send 0 50:5a:41:00:0c:00:20:01", "vaskdfc rnid send 0 WWN --node"}, send);
+  const Command sent =
+      commands.add_for_adapter("rnid send", "Ask a remote port for its identification",
+                               {"vaskdfc rnid send 0 50:5a:41:00:0c:00:20:01", "vaskdfc rnid send 0 WWN --node"}, arguments, send);
   sent.add_option("WWN", arguments->wwn, "Port WWN, or with --node a node WWN").required();
   sent.add_flag("--node", arguments->is_node, "WWN is that of a node");
 }

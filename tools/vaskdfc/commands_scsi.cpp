@@ -1,4 +1,4 @@
-// Commands that ask a logical unit: scsi inquiry, scsi capacity, scsi luns, scsi raw.
+// Commands that ask a logical unit: scsi inquiry, scsi capacity, scsi luns.
 #include <fmt/format.h>
 #include <vaskdfc.h>
 
@@ -7,9 +7,7 @@
 
 #include "command_line.h"
 #include "decode.h"
-#include "raw_file.h"
 #include "scsi_exchange.h"
-#include "scsi_sense.h"
 #include "session.h"
 
 namespace vaskdfc::tool {
@@ -18,10 +16,6 @@ namespace {
 struct Arguments {
   UnitArguments unit;
   std::optional<std::string> page;
-  std::vector<std::string> cdb;
-  std::optional<std::string> read;
-  std::optional<std::string> write;
-  std::optional<std::string> file;
 };
 
 constexpr std::uint32_t kMostInquiryBytes = 255;  // of an allocation length of 8 bits
@@ -105,74 +99,6 @@ void list_luns(Context& context, const Arguments& arguments) {
   context.print({.command = "scsi luns", .sections = {unit_section(session.unit()), std::move(section)}});
 }
 
-// --- scsi raw
-
-std::vector<std::uint8_t> cdb_of(const std::vector<std::string>& spellings) {
-  constexpr std::size_t kMostBytes = sizeof(FcpCmndBlock::CDB);
-  if (spellings.size() > kMostBytes) throw usage_failure(fmt::format("CDB: more than {} bytes", kMostBytes));
-  std::vector<std::uint8_t> cdb;
-  for (const std::string& spelling : spellings) {
-    const auto byte = parse_bytes(spelling, 1);
-    if (!byte) throw usage_failure(fmt::format("CDB: \"{}\" is no byte", spelling), "two hexadecimal digits each, as in 12 00");
-    cdb.push_back(byte->front());
-  }
-  return cdb;
-}
-
-FcpCmndBlock command_of(const Lun& lun, Bytes cdb, std::uint8_t direction, std::uint32_t data_bytes) {
-  FcpCmndBlock command{};
-  std::ranges::copy(lun, command.FcpLun);
-  std::ranges::copy(cdb, command.CDB);
-  command.DataDirection = direction;
-  put_number(command.DataLength, data_bytes);
-  return command;
-}
-
-struct RawCommand {
-  std::vector<std::uint8_t> cdb;
-  std::vector<std::uint8_t> out;
-  std::uint32_t room = 0;
-};
-
-RawCommand raw_command_of(const Arguments& arguments) {
-  RawCommand raw{.cdb = cdb_of(arguments.cdb)};
-  if (arguments.write) raw.out = read_file(*arguments.write, DFC_SCSI_DATA_BYTES);
-  if (arguments.read) raw.room = number_argument("--read", *arguments.read, DFC_SCSI_DATA_BYTES);
-  return raw;
-}
-
-Answer send_raw(const UnitAddress& unit, const RawCommand& raw) {
-  const bool writes = !raw.out.empty();
-  const std::uint8_t direction = writes ? FCP_WRITE_DATA : raw.room != 0 ? FCP_READ_DATA : 0;
-  const auto bytes = writes ? static_cast<std::uint32_t>(raw.out.size()) : raw.room;
-  FcpCmndBlock command = command_of(unit.lun, raw.cdb, direction, bytes);
-  return ask(
-      unit, "SendScsiCmd", bytes,
-      [&](void* data, std::uint32_t* moved, void* sense, std::uint32_t* senses) {
-        return SendScsiCmd(unit.adapter, &unit.target, &command, sizeof(command), data, moved, sense, senses);
-      },
-      raw.out);
-}
-
-void raw(Context& context, const Arguments& arguments) {
-  const RawCommand command = raw_command_of(arguments);
-  const UnitSession session(arguments.unit);
-  const UnitAddress& unit = session.unit();
-  const std::string what = fmt::format("send the command {:02x} to LUN {} of {}", fmt::join(command.cdb, " "), lun_text(unit.lun),
-                                       wwn_text(unit.target));
-  if (!context.may_change(what)) return;
-  const Answer answer = send_raw(unit, command);
-  const bool reads = command.out.empty();
-  if (reads && arguments.file) write_file(*arguments.file, answer.data);
-  std::vector<Field> fields{{"command", "Command", hex_bytes_cell(command.cdb)},
-                            {"data_bytes", "Data bytes", number_cell(answer.data.size())},
-                            {"file", "File", reads && arguments.file ? text_cell(text_of(*arguments.file)) : absent()},
-                            {"data", "Data", reads && !arguments.file ? hex_bytes_cell(answer.data) : absent()}};
-  for (Field& field : sense_fields(answer.sense)) fields.push_back(std::move(field));
-  context.print({.command = "scsi raw", .sections = {unit_section(unit), record_section("answer", "Answer", std::move(fields))}});
-  completed(unit, answer);
-}
-
 }  // namespace
 
 void add_scsi_commands(CommandLine& commands) {
@@ -181,8 +107,7 @@ void add_scsi_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
   const auto command = [&](const char* name, const char* summary, const std::vector<std::string>& examples, auto action,
                            bool needs_lun = true) {
-    const Command added =
-        commands.add(name, summary, examples, [arguments, action](Context& context) { action(context, *arguments); });
+    const Command added = commands.add(name, summary, examples, arguments, action);
     add_unit_arguments(added, arguments->unit).required(needs_lun);
     return added;
   };
@@ -192,15 +117,7 @@ void add_scsi_commands(CommandLine& commands) {
   command("scsi capacity", "Ask a unit for its size", {"vaskdfc scsi capacity 0 50:5a:41:00:0c:00:20:01 0"}, show_capacity);
   command("scsi luns", "Ask a target for its units, through LUN 0", {"vaskdfc scsi luns 0 50:5a:41:00:0c:00:20:01"}, list_luns,
           false);
-
-  const Command sent = command("scsi raw", "Send any command",
-                               {"vaskdfc scsi raw 0 50:5a:41:00:0c:00:20:01 0 00 00 00 00 00 00 --yes",
-                                "vaskdfc scsi raw 0 50:5a:41:00:0c:00:20:01 0 12 00 00 00 24 00 --read 36"},
-                               raw);
-  sent.add_option("CDB", arguments->cdb, "The command's bytes, two hexadecimal digits each").required();
-  const auto read = sent.add_option("--read", arguments->read, "Receive at most so many bytes").type_name("BYTES");
-  sent.add_option("--write", arguments->write, "Send the bytes of this file").type_name("FILE").excludes(read);
-  sent.add_option("-f,--file", arguments->file, "Write the bytes received to this file").type_name("FILE").needs(read);
+  add_scsi_raw_commands(commands);
   add_scsi_transfer_commands(commands);
 }
 

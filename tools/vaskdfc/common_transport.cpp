@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "decode.h"
+#include "rejection.h"
 
 namespace vaskdfc::tool {
 namespace {
@@ -17,34 +18,17 @@ constexpr std::uint8_t kNameServer = 0x02;
 constexpr std::uint16_t kReject = 0x8001;
 constexpr std::uint16_t kAccept = 0x8002;
 
-using Name = std::pair<std::uint8_t, const char*>;
-
-constexpr std::array kReasons{Name{0x01, "invalid command code"},
-                              Name{0x02, "invalid version level"},
-                              Name{0x03, "logical error"},
-                              Name{0x04, "invalid CT_IU size"},
-                              Name{0x05, "logical busy"},
-                              Name{0x07, "protocol error"},
-                              Name{0x09, "unable to perform command request"},
-                              Name{0x0B, "command not supported"}};
-constexpr std::array kExplanations{Name{0x00, "no additional explanation"},
-                                   Name{0x01, "port identifier not registered"},
-                                   Name{0x02, "port name not registered"},
-                                   Name{0x03, "node name not registered"},
-                                   Name{0x07, "FC-4 types not registered"},
-                                   Name{0x08, "symbolic port name not registered"},
-                                   Name{0x09, "symbolic node name not registered"},
-                                   Name{0x0A, "port type not registered"},
-                                   Name{0x10, "access denied"},
-                                   Name{0x11, "unacceptable port identifier"},
-                                   Name{0x12, "database empty"}};
-constexpr std::array kPortTypes{Name{0x00, "unidentified"}, Name{0x01, "N_Port"},  Name{0x02, "NL_Port"}, Name{0x7F, "Nx_Port"},
-                                Name{0x81, "F_Port"},       Name{0x82, "FL_Port"}, Name{0x84, "E_Port"},  Name{0x85, "B_Port"}};
-
-std::string name_in(const auto& names, std::uint8_t value) {
-  const auto found = std::ranges::find(names, value, &Name::first);
-  return found == names.end() ? "unknown" : found->second;
-}
+constexpr std::array kReasons{CodeName{0x02, "invalid version level"}, CodeName{0x04, "invalid CT_IU size"},
+                              CodeName{0x0D, "server not available"}, CodeName{0x0E, "session could not be established"}};
+constexpr std::array kExplanations{
+    CodeName{0x01, "port identifier not registered"},    CodeName{0x02, "port name not registered"},
+    CodeName{0x03, "node name not registered"},          CodeName{0x07, "FC-4 types not registered"},
+    CodeName{0x08, "symbolic port name not registered"}, CodeName{0x09, "symbolic node name not registered"},
+    CodeName{0x0A, "port type not registered"},          CodeName{0x10, "access denied"},
+    CodeName{0x11, "unacceptable port identifier"},      CodeName{0x12, "database empty"}};
+constexpr std::array kPortTypes{CodeName{0x00, "unidentified"}, CodeName{0x01, "N_Port"}, CodeName{0x02, "NL_Port"},
+                                CodeName{0x7F, "Nx_Port"},      CodeName{0x81, "F_Port"}, CodeName{0x82, "FL_Port"},
+                                CodeName{0x84, "E_Port"},       CodeName{0x85, "B_Port"}};
 
 HbaWwn wwn_at(Bytes bytes, std::size_t at) {
   HbaWwn wwn{};
@@ -92,8 +76,7 @@ std::optional<CtAnswer> parse_ct_answer(Bytes bytes) {
 }
 
 std::string rejection_text(const CtAnswer& answer) {
-  return fmt::format("{} ({:x}), {} ({:x})", name_in(kReasons, answer.reason), answer.reason,
-                     name_in(kExplanations, answer.explanation), answer.explanation);
+  return rejection_text(answer.reason, kReasons, answer.explanation, kExplanations);
 }
 
 // FC-GS: port type and id, port name, symbolic port name of 256 bytes, node name, symbolic node name of 256 bytes, process
@@ -127,8 +110,8 @@ std::vector<std::uint32_t> parse_port_ids(Bytes payload) {
 }
 
 std::string port_type_name(std::uint8_t type) {
-  const std::string name = name_in(kPortTypes, type);
-  return name == "unknown" ? fmt::format("0x{:02x}", type) : name;
+  const auto found = std::ranges::find(kPortTypes, type, &CodeName::first);
+  return found == kPortTypes.end() ? fmt::format("0x{:02x}", type) : found->second;
 }
 
 }  // namespace vaskdfc::tool

@@ -1,6 +1,7 @@
 #include "failure.h"
 
 #include <fmt/format.h>
+#include <vaskdfc/fabric.h>
 #include <vaskdfc/mailbox.h>
 #include <vaskdfc/regions.h>
 #include <vaskdfc/result.h>
@@ -34,6 +35,10 @@ constexpr std::array kHbaNames{Name{HBA_STATUS_OK, "HBA_STATUS_OK"},
                                Name{HBA_STATUS_ERROR_MORE_DATA, "HBA_STATUS_ERROR_MORE_DATA"},
                                Name{HBA_STATUS_ERROR_STALE_DATA, "HBA_STATUS_ERROR_STALE_DATA"}};
 constexpr std::array kVportNames{Name{DFC_NO_SUCH_VPORT, "DFC_NO_SUCH_VPORT"}};
+constexpr std::array kElsNames{Name{DFC_ELS_BAD000A, "DFC_ELS_BAD000A"}};
+constexpr std::array kMgmtNames{Name{DFC_MGMT_FAILED, "DFC_MGMT_FAILED"}, Name{DFC_MGMT_BAD005A, "DFC_MGMT_BAD005A"},
+                                Name{DFC_MGMT_COMMAND_BAD0021, "DFC_MGMT_COMMAND_BAD0021"},
+                                Name{DFC_MGMT_TOO_LONG, "DFC_MGMT_TOO_LONG"}};
 
 std::string name_in(const auto& names, std::uint32_t result) {
   const auto found = std::ranges::find(names, result, &Name::first);
@@ -115,6 +120,8 @@ std::string result_name(Results family, std::uint32_t result) {
     case Results::kDump: return own_or_common(kDumpNames);
     case Results::kRegion: return own_or_common(kRegionNames);
     case Results::kVport: return own_or_common(kVportNames);
+    case Results::kEls: return own_or_common(kElsNames);
+    case Results::kMgmt: return own_or_common(kMgmtNames);
   }
   return "";
 }

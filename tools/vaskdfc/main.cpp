@@ -14,6 +14,8 @@ int main(int argc, char** argv) {
   add_npiv_commands(commands);
   add_scsi_commands(commands);
   add_ct_commands(commands);
+  add_els_commands(commands);
+  add_mgmt_commands(commands);
   add_bindings_commands(commands);
   add_rnid_commands(commands);
   add_events_commands(commands);

@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<const char*, 16> kSenseKeys{"NO SENSE",       "RECOVERED ERROR", "NOT READY",      "MEDIUM ERROR",
                                                  "HARDWARE ERROR", "ILLEGAL REQUEST", "UNIT ATTENTION", "DATA PROTECT",
                                                  "BLANK CHECK",    "VENDOR SPECIFIC", "COPY ABORTED",   "ABORTED COMMAND",
-                                                 "RESERVED",       "VOLUME OVERFLOW", "MISCOMPARE",     "COMPLETED"};
+                                                 "EQUAL",          "VOLUME OVERFLOW", "MISCOMPARE",     "COMPLETED"};
 
 struct AdditionalSense {
   std::uint8_t code;
@@ -37,7 +37,7 @@ constexpr std::array kAdditionalSenses{
     AdditionalSense{0x1D, 0x00, "miscompare during verify operation"},
     AdditionalSense{0x20, 0x00, "invalid command operation code"},
     AdditionalSense{0x21, 0x00, "logical block address out of range"},
-    AdditionalSense{0x24, 0x00, "invalid field in cdb"},
+    AdditionalSense{0x24, 0x00, "invalid field in CDB"},
     AdditionalSense{0x25, 0x00, "logical unit not supported"},
     AdditionalSense{0x26, 0x00, "invalid field in parameter list"},
     AdditionalSense{0x27, 0x00, "write protected"},
@@ -46,10 +46,10 @@ constexpr std::array kAdditionalSenses{
     AdditionalSense{0x2A, 0x01, "mode parameters changed"},
     AdditionalSense{0x2A, 0x06, "asymmetric access state changed"},
     AdditionalSense{0x3A, 0x00, "medium not present"},
-    AdditionalSense{0x3F, 0x03, "inquiry data has changed"},
-    AdditionalSense{0x3F, 0x0E, "reported luns data has changed"},
+    AdditionalSense{0x3F, 0x03, "INQUIRY data has changed"},
+    AdditionalSense{0x3F, 0x0E, "reported LUNs data has changed"},
     AdditionalSense{0x44, 0x00, "internal target failure"},
-    AdditionalSense{0x47, 0x00, "scsi parity error"},
+    AdditionalSense{0x47, 0x00, "SCSI parity error"},
     AdditionalSense{0x4B, 0x00, "data phase error"},
     AdditionalSense{0x4E, 0x00, "overlapped commands attempted"},
 };
