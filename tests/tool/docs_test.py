@@ -33,7 +33,7 @@ class Documentation(tool.ToolTest):
             with self.subTest(command), tempfile.TemporaryFile() as errors:
                 # Set apart, because only a terminal tells which of the two came first.
                 result = subprocess.run(["sh", "-c", command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors,
-                                        env=variables, timeout=60, check=False)
+                                        env=variables, cwd=self.folder, timeout=60, check=False)
                 errors.seek(0)
                 self.assertEqual((result.stdout + errors.read()).decode().rstrip("\n"), shown)
 
@@ -43,6 +43,12 @@ class Documentation(tool.ToolTest):
         result = tool.run("fcoe", "params", "set", "0", "--vlan", "8", "--yes", VMKMGMT_SIM_SCENARIO=path)
         self.assert_exit(result, 1)
         self.assertIn(f"```\n{result.stderr}```\n", PAGE.read_text(encoding="utf-8"))
+
+    def test_events_look_as_the_page_shows(self):
+        events = [{"at_ms": 0, "event": "link_down"}, {"at_ms": 0, "event": "link_up"},
+                  {"at_ms": 0, "event": "rscn", "fc_id": "0x010400"}]
+        path = self.scenario(tool.adapter(1, fc_id="0x010a01", events=events))
+        self.assertIn(f"```\n{tool.run('events', VMKMGMT_SIM_SCENARIO=path).stdout}```\n", PAGE.read_text(encoding="utf-8"))
 
     def test_the_page_has_commands(self):
         self.assertGreater(len(list(examples())), 10)

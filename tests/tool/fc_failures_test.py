@@ -19,6 +19,9 @@ FAILURES = [
     (["scsi", "luns", "0", TARGET], "TREL_MGMT_HBA_SEND_SCSI", "SendReportLUNs"),
     (["scsi", "read", "0", TARGET, "0", "-f", "/dev/null"], "TREL_MGMT_HBA_SEND_SCSI", "SendReadCapacity"),
     (["scsi", "raw", "0", TARGET, "0", "00", "00", "00", "00", "00", "00", "--yes"], "TREL_MGMT_HBA_SEND_SCSI", "SendScsiCmd"),
+    (["fcp", "raw", "0", TARGET, "0", "00", "00", "00", "00", "00", "00", "--yes"], "TREL_MGMT_HBA_SEND_FCP", "SendFcpCmdEx"),
+    (["els", "send", "0", TARGET, "echo"], "TREL_MGMT_SEND_ELS", "DFC_SendELSCmd"),
+    (["els", "send", "0", TARGET, "rls"], "TREL_MGMT_SEND_CT", "SendCTPassThru"),
     (["nameserver", "0"], "TREL_MGMT_SEND_CT", "SendCTPassThru"),
     (["ct", "send", "0", "gid_ft", "8"], "TREL_MGMT_SEND_CT", "SendCTPassThru"),
 ]
@@ -34,6 +37,21 @@ REFUSED = [
     (["scsi", "raw", "0", TARGET, "0", "x"], "TREL_MGMT_HBA_SEND_SCSI", 'CDB: "x"'),
     (["scsi", "raw", "0", TARGET, "0", *["00"] * 17], "TREL_MGMT_HBA_SEND_SCSI", "more than 16 bytes"),
     (["scsi", "raw", "0", TARGET, "0", "00"], "TREL_MGMT_HBA_SEND_SCSI", "--yes"),
+    (["scsi", "raw", "0", TARGET, "0", "00", "--read", "262145"], "TREL_MGMT_HBA_SEND_SCSI", "--read"),
+    (["fcp", "raw", "0", TARGET, "0", "00", "--extra", "x"], "TREL_MGMT_HBA_SEND_FCP", "--extra"),
+    (["fcp", "raw", "0", TARGET, "0", "00"], "TREL_MGMT_HBA_SEND_FCP", "--yes"),
+    (["els", "send", "0", "x", "echo"], "TREL_MGMT_SEND_ELS", 'PORT: "x"'),
+    (["els", "send", "0", "0x1000000", "echo"], "TREL_MGMT_SEND_ELS", 'PORT: "0x1000000"'),
+    (["els", "send", "0", TARGET], "TREL_MGMT_SEND_ELS", "--request"),
+    (["els", "send", "0", TARGET, "echo", "--request", "/dev/null"], "TREL_MGMT_SEND_ELS", "--request"),
+    (["els", "send", "0", TARGET, "--request", "/dev/null"], "TREL_MGMT_SEND_ELS", "0 bytes"),
+    (["els", "send", "0", TARGET, "plogi"], "TREL_MGMT_SEND_ELS", '"plogi"'),
+    (["els", "send", "0", TARGET, "100000"], "TREL_MGMT_SEND_ELS", '"100000"'),
+    (["els", "send", "0", TARGET, *["00000000"] * 257], "TREL_MGMT_SEND_ELS", "more than 1024 bytes"),
+    (["els", "send", "0", TARGET, "03000000"], "TREL_MGMT_SEND_ELS", "--yes"),
+    (["mgmt", "send", "0", "01", "/dev/null"], "TREL_MGMT_HBA_SEND_MGMT_CMD", 'COMMAND: "01"'),
+    (["mgmt", "send", "0", "0100000000000000", "/dev/null"], "TREL_MGMT_HBA_SEND_MGMT_CMD", "--yes"),
+    (["mgmt", "send", "0", "0100000000000000", "/nowhere/at/all"], "TREL_MGMT_HBA_SEND_MGMT_CMD", "cannot be opened"),
     (["rnid", "set", "0"], "TREL_MGMT_HBA_GETMGMTINFO", "nothing to set"),
     (["rnid", "set", "0", "--udp-port", "65536"], "TREL_MGMT_HBA_GETMGMTINFO", "--udp-port"),
     (["rnid", "set", "0", "--ip-address", "1"], "TREL_MGMT_HBA_GETMGMTINFO", "--ip-address"),
@@ -69,10 +87,19 @@ class Failures(tool.ToolTest):
                 self.assertIn(words, result.stderr)
 
     def test_a_dry_run_sends_nothing(self):
-        result, calls = self.traced("scsi", "raw", "0", TARGET, "0", "00", "--dry-run", callback="TREL_MGMT_HBA_SEND_SCSI")
-        self.assert_exit(result, 0)
-        self.assertEqual(calls, [])
-        self.assertIn(f"dry run: would send the command 00 to LUN 0 of {TARGET}", result.stderr)
+        cases = [(["scsi", "raw", "0", TARGET, "0", "00"], "TREL_MGMT_HBA_SEND_SCSI", f"send the command 00 to LUN 0 of {TARGET}"),
+                 (["fcp", "raw", "0", TARGET, "0", "00"], "TREL_MGMT_HBA_SEND_FCP", f"send the command 00 to LUN 0 of {TARGET}"),
+                 (["els", "send", "0", TARGET, "rls"], "TREL_MGMT_SEND_CT", f"send the request rls to {TARGET} through adapter 0"),
+                 (["els", "send", "0", "0x010200", "03000000"], "TREL_MGMT_SEND_ELS",
+                  "send a link service of 4 bytes to 0x010200 through adapter 0"),
+                 (["mgmt", "send", "0", "0100000000000000", "/dev/null"], "TREL_MGMT_HBA_SEND_MGMT_CMD",
+                  "send the management command 01 00 00 00 00 00 00 00 with 0 bytes through adapter 0")]
+        for arguments, callback, words in cases:
+            with self.subTest(arguments):
+                result, calls = self.traced(*arguments, "--dry-run", callback=callback)
+                self.assert_exit(result, 0)
+                self.assertEqual((result.stdout, calls), ("", []))
+                self.assertEqual(result.stderr, f"vaskdfc: dry run: would {words}\n")
 
 
 if __name__ == "__main__":

@@ -1,13 +1,10 @@
 """The commands about mailboxes, regions and settings in every form, on an adapter whose region 23 holds something."""
 
-import json
-import pathlib
-
+import fc_forms_test
 import forms_test
 import images
 import tool
 
-BUILT_IN = pathlib.Path(__file__).resolve().parents[2] / "simulator/scenarios/default.json"
 WWNS = ["20:00:00:11:22:33:44:55", "10:00:00:11:22:33:44:55"]
 
 COMMANDS = [
@@ -44,16 +41,15 @@ class SettingForms(forms_test.Forms):
 
     def setUp(self):
         super().setUp()
-        scenario = json.loads(BUILT_IN.read_text(encoding="utf-8"))
-        scenario["adapters"][0]["regions"] = [images.of_region23(vlan=100, connect=[(5, 1), (6, 3)])]
-        self.path = self.folder / "regions.json"
-        self.path.write_text(json.dumps(scenario), encoding="utf-8")
+        regions = [images.of_region23(vlan=100, connect=[(5, 1), (6, 3)])]
+        self.path = self.altered_built_in(lambda scenario: scenario["adapters"][0].update(regions=regions))
 
     def variables(self):
         return {"VMKMGMT_SIM_SCENARIO": self.path}
 
     def test_every_schema_is_for_a_command_that_is_tested(self):
-        tested = {name for _, name in COMMANDS + forms_test.COMMANDS} | {"error", "change", "region-write"}
+        tested = {name for _, name in COMMANDS + forms_test.COMMANDS + fc_forms_test.COMMANDS}
+        tested |= {"error", "change", "region-write", "stats-watch"}
         self.assertEqual({path.name.removesuffix(".schema.json") for path in tool.SCHEMAS.iterdir()}, tested)
 
     def test_a_write_of_an_image_reports_like_the_other_changes(self):

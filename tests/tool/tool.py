@@ -3,6 +3,7 @@
 A test program's first argument is the tool, its second the folder of JSON schemas.
 """
 
+import contextlib
 import csv
 import io
 import json
@@ -19,6 +20,7 @@ import jsonschema
 PROGRAM = pathlib.Path(sys.argv[1])
 SCHEMAS = pathlib.Path(sys.argv[2]).resolve()
 FORMS = ["table", "json", "csv", "keyvalue"]
+BUILT_IN = pathlib.Path(__file__).resolve().parents[2] / "simulator/scenarios/default.json"
 
 
 def environment(**variables):
@@ -122,11 +124,20 @@ class ToolTest(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
 
     def scenario(self, *adapters, faults=(), interfaces=("vaskfcoe-mgmt",), ports=2):
-        """Writes a scenario of these adapters and returns its path."""
+        """Writes a scenario of these adapters and returns its path. Ports are a list of them, or how many of the usual kind."""
+        remote = [remote_port(number) for number in range(ports)] if isinstance(ports, int) else ports
         content = {"driver": {"name": "vaskfcoe", "version": "11.4", "interfaces": list(interfaces)},
-                   "fabrics": [{"name": "one", "wwn": "10:00:00:00:00:00:ff:01", "ports": [remote_port(i) for i in range(ports)]}],
+                   "fabrics": [{"name": "one", "wwn": "10:00:00:00:00:00:ff:01", "ports": remote}],
                    "adapters": list(adapters), "faults": list(faults)}
         path = self.folder / "scenario.json"
+        path.write_text(json.dumps(content), encoding="utf-8")
+        return path
+
+    def altered_built_in(self, alter):
+        """Writes the built-in scenario as a function changes it, and returns its path."""
+        content = json.loads(BUILT_IN.read_text(encoding="utf-8"))
+        alter(content)
+        path = self.folder / "built_in.json"
         path.write_text(json.dumps(content), encoding="utf-8")
         return path
 
@@ -156,6 +167,21 @@ class ToolTest(unittest.TestCase):
         result = run(*arguments, "-o", "json", **options)
         self.assert_exit(result, code)
         return validated(name, result.stdout)
+
+    def on_terminal(self, *arguments, **variables):
+        """Runs the tool, which must succeed, with a terminal for its errors; returns its output and what the terminal got."""
+        controller, terminal = pty.openpty()
+        process = subprocess.Popen([PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=terminal, env=environment(**variables))
+        os.close(terminal)
+        shown = b""
+        with contextlib.suppress(OSError):  # how the end of a terminal reads
+            while part := os.read(controller, 4096):
+                shown += part
+        os.close(controller)
+        output = process.communicate(timeout=60)[0].decode()
+        self.assertEqual(process.returncode, 0, shown)
+        return output, shown.decode()
 
 
 def main():
