@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "fields.h"
+
 namespace vaskdfc::tool {
 namespace {
 
@@ -18,13 +20,6 @@ Buffer response(std::uint8_t flags, std::uint8_t status, const Buffer& behind = 
   bytes[15] = 5;
   bytes.insert(bytes.end(), behind.begin(), behind.end());
   return bytes;
-}
-
-std::string text_in(const std::vector<Field>& fields, const std::string& key) {
-  for (const Field& field : fields) {
-    if (field.key == key) return field.cell.text;
-  }
-  return "no such field";
 }
 
 TEST(FcpResponse, tells_status_and_residue) {

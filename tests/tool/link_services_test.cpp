@@ -4,17 +4,12 @@
 
 #include <algorithm>
 
+#include "fields.h"
+
 namespace vaskdfc::tool {
 namespace {
 
 using Buffer = std::vector<std::uint8_t>;
-
-std::string text_in(const std::vector<Field>& fields, const std::string& key) {
-  for (const Field& field : fields) {
-    if (field.key == key) return field.cell.text;
-  }
-  return "no such field";
-}
 
 bool all_absent(const std::vector<Field>& fields) {
   return std::ranges::all_of(fields, [](const Field& field) { return field.cell.value.is_null(); });

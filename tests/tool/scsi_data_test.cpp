@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "failure.h"
+#include "fields.h"
 #include "mapped_units.h"
 #include "scsi_sense.h"
 
@@ -87,13 +88,6 @@ TEST(Luns, travel_with_their_bytes_in_order) {
   const Lun lun{1, 2, 3, 4, 5, 6, 7, 8};
   const std::uint64_t memory = lun_in_memory(lun);
   EXPECT_TRUE(std::equal(lun.begin(), lun.end(), reinterpret_cast<const std::uint8_t*>(&memory)));
-}
-
-std::string text_in(const std::vector<Field>& fields, const std::string& key) {
-  for (const Field& field : fields) {
-    if (field.key == key) return field.cell.text;
-  }
-  return "no such field";
 }
 
 TEST(Inquiry, tells_what_a_unit_is) {

@@ -113,6 +113,11 @@ std::uint32_t number_argument(const std::string& name, const std::string& spelli
                       "numbers are decimal, or hexadecimal with 0x");
 }
 
+HbaWwn wwn_argument(const std::string& name, const std::string& spelling, const std::string& hint) {
+  if (const auto wwn = parse_wwn(spelling)) return *wwn;
+  throw usage_failure(fmt::format("{}: \"{}\" is no WWN", name, spelling), hint);
+}
+
 std::uint16_t vlan_argument(const std::string& spelling) {
   constexpr std::uint32_t kMostVlan = 4095;
   return static_cast<std::uint16_t>(number_argument("--vlan", spelling, kMostVlan));

@@ -1,6 +1,8 @@
 // The command line: global options, and the commands that the families register.
 #pragma once
 
+#include <vaskdfc/hbaapi.h>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -144,6 +146,10 @@ class CommandLine {
 
 // An argument that is a number; a Failure names the argument and what it may be.
 std::uint32_t number_argument(const std::string& name, const std::string& spelling, std::uint32_t most = UINT32_MAX);
+
+// An argument that is a WWN.
+HbaWwn wwn_argument(const std::string& name, const std::string& spelling,
+                    const std::string& hint = "16 hexadecimal digits, as in 10:00:00:11:22:33:44:55");
 
 // The --vlan argument: an id of 12 bits.
 std::uint16_t vlan_argument(const std::string& spelling);

@@ -94,8 +94,8 @@ std::vector<std::uint8_t> key_of(const NameQuery& query, const std::string& spel
     case NameQuery::Key::kPortWwn:
     case NameQuery::Key::kNodeWwn: break;
   }
-  if (const auto bytes = parse_bytes(spelling, sizeof(HbaWwn))) return *bytes;
-  throw usage_failure(fmt::format("KEY: \"{}\" is no WWN", spelling), "16 hexadecimal digits, as in 10:00:00:11:22:33:44:55");
+  const HbaWwn wwn = wwn_argument("KEY", spelling);
+  return {std::begin(wwn.wwn), std::end(wwn.wwn)};
 }
 
 std::vector<std::string> values_in(const NameQuery& query, Bytes payload) {
@@ -151,17 +151,13 @@ void raw(Context& context, const Arguments& arguments) {
   const std::uint32_t adapter = session.find(arguments.adapter);
   if (!context.may_change(fmt::format("send a CT request of {} bytes through adapter {}", request.size(), adapter))) return;
   const auto reply = ask_service(adapter, request);
-  if (arguments.file) write_file(*arguments.file, reply);
   const auto answer = parse_ct_answer(reply);
-  context.print({.command = "ct raw",
-                 .sections = {record_section(
-                     "answer", "Answer",
-                     {{"adapter", "Adapter", number_cell(adapter)},
-                      {"accepted", "Accepted", answer ? flag_cell(answer->accepted) : absent()},
-                      {"rejection", "Rejection", answer && !answer->accepted ? text_cell(rejection_text(*answer)) : absent()},
-                      {"bytes", "Bytes", number_cell(reply.size())},
-                      {"file", "File", arguments.file ? text_cell(text_of(*arguments.file)) : absent()},
-                      {"reply", "Reply", arguments.file ? absent() : hex_bytes_cell(reply)}})}});
+  auto fields = joined({{"adapter", "Adapter", number_cell(adapter)},
+                        {"accepted", "Accepted", answer ? flag_cell(answer->accepted) : absent()},
+                        {"rejection", "Rejection", answer && !answer->accepted ? text_cell(rejection_text(*answer)) : absent()},
+                        {"bytes", "Bytes", number_cell(reply.size())}},
+                       delivered_fields(arguments.file, reply));
+  context.print({.command = "ct raw", .sections = {record_section("answer", "Answer", std::move(fields))}});
 }
 
 std::string queries_help() {

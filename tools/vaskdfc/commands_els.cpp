@@ -137,7 +137,8 @@ std::vector<std::uint8_t> ask(std::uint32_t adapter, const Destination& destinat
 }
 
 // A request by its name must be accepted; what becomes of another is for the user to judge.
-Bytes expect_accepted(std::uint32_t adapter, const Destination& destination, const std::optional<LinkAnswer>& answer) {
+Bytes expect_accepted(std::uint32_t adapter, const Destination& destination, Bytes reply) {
+  const auto answer = parse_link_answer(reply);
   if (answer && answer->accepted) return answer->payload;
   const std::string why = answer ? "rejected the request: " + rejection_text(*answer) : "gave no answer of a link service";
   Failure failure =
@@ -157,16 +158,16 @@ std::optional<Section> named_section(Request::Kind kind, Bytes payload) {
   return std::nullopt;
 }
 
-Section answer_section(std::uint32_t adapter, const Destination& destination, Bytes reply, const Arguments& arguments) {
+Section answer_section(std::uint32_t adapter, const Destination& destination, Bytes reply, const std::optional<std::string>& file) {
   const auto answer = parse_link_answer(reply);
-  return record_section("answer", "Answer",
-                        {{"adapter", "Adapter", number_cell(adapter)},
-                         {"port", "Port", text_cell(destination_text(destination))},
-                         {"accepted", "Accepted", answer ? flag_cell(answer->accepted) : absent()},
-                         {"rejection", "Rejection", answer && !answer->accepted ? text_cell(rejection_text(*answer)) : absent()},
-                         {"bytes", "Bytes", number_cell(reply.size())},
-                         {"file", "File", arguments.file ? text_cell(text_of(*arguments.file)) : absent()},
-                         {"reply", "Reply", arguments.file ? absent() : hex_bytes_cell(reply)}});
+  return record_section(
+      "answer", "Answer",
+      joined({{"adapter", "Adapter", number_cell(adapter)},
+              {"port", "Port", text_cell(destination_text(destination))},
+              {"accepted", "Accepted", answer ? flag_cell(answer->accepted) : absent()},
+              {"rejection", "Rejection", answer && !answer->accepted ? text_cell(rejection_text(*answer)) : absent()},
+              {"bytes", "Bytes", number_cell(reply.size())}},
+             delivered_fields(file, reply)));
 }
 
 void send(Context& context, const Arguments& arguments) {
@@ -181,12 +182,9 @@ void send(Context& context, const Arguments& arguments) {
                                        destination_text(destination), adapter);
   if (!(is_raw ? context.may_change(what) : context.may_send(what))) return;
   const auto reply = ask(adapter, destination, bytes_for(adapter, destination, request));
-  Report report{.command = kCommand, .sections = {answer_section(adapter, destination, reply, arguments)}};
-  if (!is_raw) {
-    const Bytes payload = expect_accepted(adapter, destination, parse_link_answer(reply));
-    report.sections.push_back(*named_section(request.kind, payload));
-  }
-  if (arguments.file) write_file(*arguments.file, reply);
+  const auto named = is_raw ? std::nullopt : named_section(request.kind, expect_accepted(adapter, destination, reply));
+  Report report{.command = kCommand, .sections = {answer_section(adapter, destination, reply, arguments.file)}};
+  if (named) report.sections.push_back(*named);
   context.print(report);
 }
 

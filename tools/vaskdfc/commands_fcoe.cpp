@@ -61,8 +61,7 @@ FcoeParameters with(FcoeParameters parameters, const ParamsArguments& arguments)
 void get_params(Context& context, const ParamsArguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  std::vector<Field> fields{{"adapter", "Adapter", number_cell(adapter)}};
-  for (Field& field : fcoe_fields(read_parameters(adapter))) fields.push_back(std::move(field));
+  auto fields = joined({{"adapter", "Adapter", number_cell(adapter)}}, fcoe_fields(read_parameters(adapter)));
   context.print({.command = "fcoe params get", .sections = {record_section("params", "FCoE parameters", std::move(fields))}});
 }
 

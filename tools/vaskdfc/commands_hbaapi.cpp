@@ -121,11 +121,8 @@ struct Selection {
 Selection selection_of(const PortsArguments& arguments) {
   Selection selection{.discovered = arguments.discovered};
   if (arguments.index) selection.index = number_argument("--index", *arguments.index);
-  if (!arguments.wwn) return selection;
-  selection.wwn = parse_wwn(*arguments.wwn);
-  if (selection.wwn) return selection;
-  throw usage_failure(fmt::format("--wwn: \"{}\" is no WWN", *arguments.wwn),
-                      "16 hexadecimal digits, as in 10:00:00:11:22:33:44:55");
+  if (arguments.wwn) selection.wwn = wwn_argument("--wwn", *arguments.wwn);
+  return selection;
 }
 
 // Asks about ports of a list. The driver refuses when they have changed since the last refresh; then the view is renewed, once.

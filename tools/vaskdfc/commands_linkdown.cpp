@@ -38,8 +38,7 @@ bool parse_switch(const std::string& spelling) {
 void get(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  std::vector<Field> fields{{"adapter", "Adapter", number_cell(adapter)}};
-  for (Field& field : link_down_fields(stays_down(adapter))) fields.push_back(std::move(field));
+  auto fields = joined({{"adapter", "Adapter", number_cell(adapter)}}, link_down_fields(stays_down(adapter)));
   context.print({.command = "linkdown get", .sections = {record_section("linkdown", "Persistent link down", std::move(fields))}});
 }
 

@@ -66,14 +66,11 @@ void send(Context& context, const Arguments& arguments) {
     return;
   }
   const auto reply = send_request(adapter, request);
-  if (arguments.file) write_file(*arguments.file, reply);
-  context.print({.command = kCommand,
-                 .sections = {record_section("answer", "Answer",
-                                             {{"adapter", "Adapter", number_cell(adapter)},
-                                              {"command", "Command", text_cell(command)},
-                                              {"bytes", "Bytes", number_cell(reply.size())},
-                                              {"file", "File", arguments.file ? text_cell(text_of(*arguments.file)) : absent()},
-                                              {"reply", "Reply", arguments.file ? absent() : hex_bytes_cell(reply)}})}});
+  auto fields = joined({{"adapter", "Adapter", number_cell(adapter)},
+                        {"command", "Command", text_cell(command)},
+                        {"bytes", "Bytes", number_cell(reply.size())}},
+                       delivered_fields(arguments.file, reply));
+  context.print({.command = kCommand, .sections = {record_section("answer", "Answer", std::move(fields))}});
 }
 
 }  // namespace

@@ -68,10 +68,8 @@ struct Arguments {
   std::optional<std::string> wwn;
 };
 
-std::optional<HbaWwn> wwn_argument(const Arguments& arguments) {
-  if (!arguments.wwn) return std::nullopt;
-  if (const auto wwn = parse_wwn(*arguments.wwn)) return wwn;
-  throw usage_failure(fmt::format("WWN: \"{}\" is no WWN", *arguments.wwn), "16 hexadecimal digits, as in 10:00:00:11:22:33:44:55");
+std::optional<HbaWwn> named_port(const Arguments& arguments) {
+  return arguments.wwn ? std::optional(wwn_argument("WWN", *arguments.wwn)) : std::nullopt;
 }
 
 void expect_success(std::uint32_t result, std::uint32_t adapter, const char* operation, const std::string& message) {
@@ -121,7 +119,7 @@ void list(Context& context, const Arguments& arguments) {
 // --- npiv show
 
 void show(Context& context, const Arguments& arguments) {
-  const HbaWwn wwn = *wwn_argument(arguments);
+  const HbaWwn wwn = *named_port(arguments);
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   dfc_vport_attributes record{};
@@ -148,7 +146,7 @@ void show(Context& context, const Arguments& arguments) {
 // --- npiv nodes
 
 void nodes(Context& context, const Arguments& arguments) {
-  const auto named = wwn_argument(arguments);
+  const auto named = named_port(arguments);
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   const HbaWwn wwn = named ? *named : read_port(adapter).PortWWN;

@@ -50,8 +50,7 @@ HbaMgmtInfo read_info(std::uint32_t adapter) {
 void get(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  std::vector<Field> fields{{"adapter", "Adapter", number_cell(adapter)}};
-  for (Field& field : info_fields(read_info(adapter))) fields.push_back(std::move(field));
+  auto fields = joined({{"adapter", "Adapter", number_cell(adapter)}}, info_fields(read_info(adapter)));
   context.print({.command = "rnid get", .sections = {record_section("rnid", "Identification data", std::move(fields))}});
 }
 
@@ -105,31 +104,25 @@ constexpr std::size_t kReplyBytes = 64;
 
 std::vector<Field> answer_fields(std::uint32_t adapter, const HbaWwn& wwn, Bytes reply) {
   const auto answer = parse_link_answer(reply);
-  std::vector<Field> fields{{"adapter", "Adapter", number_cell(adapter)}, {"wwn", "WWN", wwn_cell(wwn)}};
-  for (Field& field : identification_fields(answer && answer->accepted ? answer->payload : Bytes{})) {
-    fields.push_back(std::move(field));
-  }
-  fields.push_back({"reply", "Reply", hex_bytes_cell(reply)});
-  return fields;
+  const Bytes payload = answer && answer->accepted ? answer->payload : Bytes{};
+  return joined(
+      joined({{"adapter", "Adapter", number_cell(adapter)}, {"wwn", "WWN", wwn_cell(wwn)}}, identification_fields(payload)),
+      {{"reply", "Reply", hex_bytes_cell(reply)}});
 }
 
 void send(Context& context, const Arguments& arguments) {
-  const auto wwn = parse_wwn(arguments.wwn);
-  if (!wwn) {
-    throw usage_failure(fmt::format("WWN: \"{}\" is no WWN", arguments.wwn),
-                        "\"vaskdfc ports ADAPTER --discovered\" shows those that there are");
-  }
+  const HbaWwn wwn = wwn_argument("WWN", arguments.wwn, "\"vaskdfc ports ADAPTER --discovered\" shows those that there are");
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   std::array<std::uint8_t, kReplyBytes> reply{};
   std::uint32_t bytes = kReplyBytes;
   watch_driver_calls();
   const std::uint32_t result =
-      SendRNID(adapter, &*wwn, arguments.is_node ? HBA_RNID_NODE_WWN : HBA_RNID_PORT_WWN, reply.data(), &bytes);
+      SendRNID(adapter, &wwn, arguments.is_node ? HBA_RNID_NODE_WWN : HBA_RNID_PORT_WWN, reply.data(), &bytes);
   if (result != HBA_STATUS_OK) {
-    throw operation_failure(fmt::format("{} did not identify itself", wwn_text(*wwn)), adapter, "SendRNID", Results::kHba, result);
+    throw operation_failure(fmt::format("{} did not identify itself", wwn_text(wwn)), adapter, "SendRNID", Results::kHba, result);
   }
-  auto fields = answer_fields(adapter, *wwn, part(reply, 0, bytes));
+  auto fields = answer_fields(adapter, wwn, part(reply, 0, bytes));
   context.print({.command = "rnid send", .sections = {record_section("answer", "Answer", std::move(fields))}});
 }
 

@@ -18,22 +18,13 @@ struct Arguments {
   std::optional<std::string> page;
 };
 
-constexpr std::uint32_t kMostInquiryBytes = 255;  // of an allocation length of 8 bits
-
 // --- scsi inquiry
-
-Answer inquiry(const UnitAddress& unit, std::optional<std::uint8_t> page) {
-  return ask(unit, "SendScsiInquiry", kMostInquiryBytes, [&](void* data, std::uint32_t* bytes, void* sense, std::uint32_t* senses) {
-    return SendScsiInquiry(unit.adapter, &unit.target, lun_in_memory(unit.lun), page ? 1 : 0, page.value_or(0), data, bytes, sense,
-                           senses);
-  });
-}
 
 std::vector<Field> page_fields(std::uint8_t page, Bytes bytes) {
   std::vector<Field> fields{{"page", "Page", text_cell(fmt::format("0x{:02x}", page))},
                             {"page_name", "Page name", text_cell(page_name(page))}};
-  fields.push_back({"supported_pages", "Supported pages", page == 0x00 ? list_cell(supported_pages(bytes)) : absent()});
-  fields.push_back({"serial_number", "Serial number", page == 0x80 ? text_cell(serial_number(bytes)) : absent()});
+  fields.push_back({"supported_pages", "Supported pages", page == kSupportedPages ? list_cell(supported_pages(bytes)) : absent()});
+  fields.push_back({"serial_number", "Serial number", page == kUnitSerialNumber ? text_cell(serial_number(bytes)) : absent()});
   fields.push_back({"bytes", "Bytes", hex_bytes_cell(bytes)});
   return fields;
 }
@@ -57,7 +48,6 @@ void inquire(Context& context, const Arguments& arguments) {
   }
   const auto page = static_cast<std::uint8_t>(*number);
   const Answer answer = completed(session.unit(), inquiry(session.unit(), page));
-  constexpr std::uint8_t kDeviceIdentification = 0x83;
   context.print(
       {.command = "scsi inquiry",
        .sections = {unit_section(session.unit()), record_section("page", "Vital product data", page_fields(page, answer.data)),

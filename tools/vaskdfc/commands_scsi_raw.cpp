@@ -72,18 +72,9 @@ bool may_send_to(const Context& context, const UnitAddress& unit, const RawComma
       fmt::format("send the command {:02x} to LUN {} of {}", fmt::join(raw.cdb, " "), lun_text(unit.lun), wwn_text(unit.target)));
 }
 
-// What came back, first into the file that it is to go to.
 std::vector<Field> received_fields(const RawCommand& raw, const Arguments& arguments, Bytes data) {
-  const bool reads = raw.out.empty();
-  if (reads && arguments.file) write_file(*arguments.file, data);
-  return {{"command", "Command", hex_bytes_cell(raw.cdb)},
-          {"data_bytes", "Data bytes", number_cell(data.size())},
-          {"file", "File", reads && arguments.file ? text_cell(text_of(*arguments.file)) : absent()},
-          {"data", "Data", reads && !arguments.file ? hex_bytes_cell(data) : absent()}};
-}
-
-void append(std::vector<Field>& fields, std::vector<Field> more) {
-  for (Field& field : more) fields.push_back(std::move(field));
+  return joined({{"command", "Command", hex_bytes_cell(raw.cdb)}, {"data_bytes", "Data bytes", number_cell(data.size())}},
+                delivered_fields(arguments.file, data, "data", "Data"));
 }
 
 // --- scsi raw
@@ -104,8 +95,7 @@ void scsi_raw(Context& context, const Arguments& arguments) {
   const UnitAddress& unit = session.unit();
   if (!may_send_to(context, unit, command)) return;
   const Answer answer = send_scsi(unit, command);
-  auto fields = received_fields(command, arguments, answer.data);
-  append(fields, sense_fields(answer.sense));
+  auto fields = joined(received_fields(command, arguments, answer.data), sense_fields(answer.sense));
   context.print({.command = "scsi raw", .sections = {unit_section(unit), record_section("answer", "Answer", std::move(fields))}});
   completed(unit, answer);
 }
@@ -140,9 +130,8 @@ void fcp_raw(Context& context, const Arguments& arguments) {
   if (!may_send_to(context, unit, command)) return;
   std::vector<std::uint8_t> response;
   const Answer answer = send_fcp(unit, command, extra, response);
-  auto fields = received_fields(command, arguments, answer.data);
-  append(fields, response_fields(response));
-  append(fields, sense_fields(answer.sense));
+  auto fields =
+      joined(joined(received_fields(command, arguments, answer.data), response_fields(response)), sense_fields(answer.sense));
   context.print({.command = "fcp raw", .sections = {unit_section(unit), record_section("answer", "Answer", std::move(fields))}});
   completed(unit, answer);
   if (const std::string refusal = refusal_text(response); !refusal.empty()) {

@@ -2,23 +2,19 @@
 
 #include <fmt/format.h>
 #include <vaskdfc/result.h>
-#include <vaskdfc/scsi.h>
 
 #include <algorithm>
 #include <array>
 
 #include "driver_list.h"
 #include "failure.h"
+#include "scsi_exchange.h"
 #include "scsi_sense.h"
 
 namespace vaskdfc::tool {
 namespace {
 
 using Mapping = DriverList<HbaFcpTargetMapping, HbaFcpScsiEntry>;
-
-constexpr std::uint8_t kDeviceIdentification = 0x83;
-// The allocation length of an INQUIRY as the library sends it has 8 bits.
-constexpr std::uint32_t kMostInquiryBytes = 255;
 
 }  // namespace
 
@@ -34,19 +30,15 @@ std::vector<HbaFcpScsiEntry> read_mapping(std::uint32_t adapter) {
 Lun lun_of(const HbaFcpScsiEntry& unit) { return std::to_array(unit.FcpId.FcpLun); }
 
 Identification identify(std::uint32_t adapter, const HbaFcpScsiEntry& unit) {
-  std::array<std::uint8_t, kMostInquiryBytes> page{};
-  std::array<std::uint8_t, DFC_SCSI_SENSE_BYTES> sense{};
-  std::uint32_t page_bytes = kMostInquiryBytes;
-  std::uint32_t sense_bytes = 0;
-  const HbaWwn target = unit.FcpId.PortWWN;
-  watch_driver_calls();
-  const std::uint32_t result = SendScsiInquiry(adapter, &target, lun_in_memory(lun_of(unit)), 1, kDeviceIdentification, page.data(),
-                                               &page_bytes, sense.data(), &sense_bytes);
-  if (result != HBA_STATUS_OK) return {std::nullopt, fmt::format("cannot be asked: {}", result_name(Results::kHba, result))};
-  if (sense_bytes != 0) return {std::nullopt, sense_text(part(sense, 0, sense_bytes))};
-  auto designator = best_designator(parse_designators(part(page, 0, page_bytes)));
-  std::string problem = designator ? "" : "tells no identifier";
-  return {std::move(designator), std::move(problem)};
+  try {
+    const Answer answer = inquiry({adapter, unit.FcpId.PortWWN, lun_of(unit)}, kDeviceIdentification);
+    if (!answer.sense.empty()) return {std::nullopt, sense_text(answer.sense)};
+    auto designator = best_designator(parse_designators(answer.data));
+    std::string problem = designator ? "" : "tells no identifier";
+    return {std::move(designator), std::move(problem)};
+  } catch (const Failure& failure) {
+    return {std::nullopt, fmt::format("cannot be asked: {}", result_name(failure.results, failure.result.value_or(HBA_STATUS_OK)))};
+  }
 }
 
 std::optional<Designator> best_designator(const std::vector<Designator>& designators) {

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "decode.h"
 #include "failure.h"
 
 namespace vaskdfc::tool {
@@ -77,6 +78,12 @@ void write_file(const std::string& path, std::span<const std::uint8_t> bytes) {
   if (draft.is_open() && draft.write(bytes) && draft.keep_as(path)) return;
   throw plain_failure(Exit::kFailed, fmt::format("the file \"{}\" cannot be written: {}", path, reason()),
                       "it is as it was before; check the folder and the room in it");
+}
+
+std::vector<Field> delivered_fields(const std::optional<std::string>& file, std::span<const std::uint8_t> bytes, const char* key,
+                                    const char* title) {
+  if (file) write_file(*file, bytes);
+  return {{"file", "File", file ? text_cell(text_of(*file)) : absent()}, {key, title, file ? absent() : hex_bytes_cell(bytes)}};
 }
 
 }  // namespace vaskdfc::tool

@@ -28,6 +28,11 @@ Cell list_cell(const std::vector<std::string>& words) {
   return {words, words.empty() ? "none" : fmt::format("{}", fmt::join(words, ", "))};
 }
 
+std::vector<Field> joined(std::vector<Field> first, std::vector<Field> second) {
+  std::ranges::move(second, std::back_inserter(first));
+  return first;
+}
+
 Section record_section(std::string key, std::string title, std::vector<Field> fields) {
   Section section{
       .key = std::move(key), .title = std::move(title), .shape = Section::Shape::kRecord, .columns = {}, .records = {{}}};

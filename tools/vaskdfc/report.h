@@ -59,6 +59,9 @@ struct Field {
   Cell cell;
 };
 
+// The fields of one list and then those of another.
+std::vector<Field> joined(std::vector<Field> first, std::vector<Field> second);
+
 Section record_section(std::string key, std::string title, std::vector<Field> fields);
 Section table_section(std::string key, std::string title, std::vector<Column> columns);
 Section blocks_section(std::string key, std::string title, std::vector<Column> columns);

@@ -30,9 +30,9 @@ constexpr std::array<std::pair<std::uint8_t, const char*>, 13> kDeviceTypes{{{0x
                                                                              {0x11, "object storage"},
                                                                              {0x1F, "unknown or none"}}};
 
-constexpr std::array<std::pair<std::uint8_t, const char*>, 7> kPageNames{{{0x00, "supported pages"},
-                                                                          {0x80, "unit serial number"},
-                                                                          {0x83, "device identification"},
+constexpr std::array<std::pair<std::uint8_t, const char*>, 7> kPageNames{{{kSupportedPages, "supported pages"},
+                                                                          {kUnitSerialNumber, "unit serial number"},
+                                                                          {kDeviceIdentification, "device identification"},
                                                                           {0x86, "extended INQUIRY data"},
                                                                           {0xB0, "block limits"},
                                                                           {0xB1, "block device characteristics"},

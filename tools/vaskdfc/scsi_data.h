@@ -22,6 +22,11 @@ Lun lun_argument(const std::string& spelling);
 // As the library takes it: the same bytes in memory.
 std::uint64_t lun_in_memory(const Lun& lun);
 
+// Pages of the vital product data that the tool reads.
+inline constexpr std::uint8_t kSupportedPages = 0x00;
+inline constexpr std::uint8_t kUnitSerialNumber = 0x80;
+inline constexpr std::uint8_t kDeviceIdentification = 0x83;
+
 std::string device_type_name(std::uint8_t type);
 
 // The fields of standard INQUIRY data; those that the bytes end before are absent.
@@ -41,13 +46,13 @@ struct Designator {
 // The designator at the start of the bytes; nothing where they end before it does, or where there is none.
 std::optional<Designator> parse_designator(Bytes bytes);
 
-// The list of a page that is one: of VPD page 83h.
+// The list of a device identification page.
 std::vector<Designator> parse_designators(Bytes page);
 
-// The pages that VPD page 00h lists.
+// What a page of supported pages lists.
 std::vector<std::string> supported_pages(Bytes page);
 std::string page_name(std::uint8_t page);
-// The serial number of VPD page 80h.
+// What a page of the unit serial number says.
 std::string serial_number(Bytes page);
 
 struct Capacity {

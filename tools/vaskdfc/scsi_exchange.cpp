@@ -37,12 +37,7 @@ Section unit_section(const UnitAddress& unit) {
 }
 
 UnitSession::UnitSession(const UnitArguments& arguments) {
-  const auto target = parse_wwn(arguments.target);
-  if (!target) {
-    throw usage_failure(fmt::format("TARGET: \"{}\" is no WWN", arguments.target),
-                        "\"vaskdfc luns ADAPTER\" shows the target ports that there are");
-  }
-  unit_.target = *target;
+  unit_.target = wwn_argument("TARGET", arguments.target, "\"vaskdfc luns ADAPTER\" shows the target ports that there are");
   unit_.lun = lun_argument(arguments.lun);
   session_.emplace();
   unit_.adapter = session_->find(arguments.adapter);
@@ -73,6 +68,14 @@ const Answer& completed(const UnitAddress& unit, const Answer& answer) {
       unit.adapter, answer.operation, Results::kHba, HBA_STATUS_OK);
   failure.hint = "\"vaskdfc scsi luns\" shows the units that the target has";
   throw failure;
+}
+
+Answer inquiry(const UnitAddress& unit, std::optional<std::uint8_t> page) {
+  constexpr std::uint32_t kMostBytes = 255;  // of an allocation length of 8 bits
+  return ask(unit, "SendScsiInquiry", kMostBytes, [&](void* data, std::uint32_t* bytes, void* sense, std::uint32_t* senses) {
+    return SendScsiInquiry(unit.adapter, &unit.target, lun_in_memory(unit.lun), page ? 1 : 0, page.value_or(0), data, bytes, sense,
+                           senses);
+  });
 }
 
 Capacity read_capacity(const UnitAddress& unit) {

@@ -54,6 +54,9 @@ Answer ask(const UnitAddress& unit, const std::string& operation, std::uint32_t 
 // The answer, if the unit did as it was told. Otherwise a Failure with what the sense data say.
 const Answer& completed(const UnitAddress& unit, const Answer& answer);
 
+// INQUIRY, for standard data or a page of the vital product data.
+Answer inquiry(const UnitAddress& unit, std::optional<std::uint8_t> page);
+
 // READ CAPACITY(10). A Failure where the unit does not tell.
 Capacity read_capacity(const UnitAddress& unit);
 
