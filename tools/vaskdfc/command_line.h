@@ -39,6 +39,8 @@ class Context {
   void print(const Report& report) const;
   // Writes one of several reports: in JSON a line each, in CSV with one header line for all.
   void print_next(const Report& report);
+  // Writes text to standard output as it is; a Failure where there is no room for it.
+  void write(const std::string& text) const;
   // Writes a failure to standard error and remembers it for the exit code, for commands that carry on.
   void report_failure(const Failure& failure);
   // A remark on standard error.
@@ -52,8 +54,6 @@ class Context {
   Exit exit() const { return exit_; }
 
  private:
-  void write(const std::string& text) const;
-
   const Options& options_;
   Exit exit_ = Exit::kDone;
   bool printed_ = false;
@@ -168,6 +168,7 @@ void add_linkdown_commands(CommandLine& commands);
 void add_fcoe_commands(CommandLine& commands);
 void add_fcoe_connect_commands(CommandLine& commands);
 void add_stats_commands(CommandLine& commands);
+void add_top_commands(CommandLine& commands);
 void add_luns_commands(CommandLine& commands);
 void add_npiv_commands(CommandLine& commands);
 void add_scsi_commands(CommandLine& commands);

@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
   add_linkdown_commands(commands);
   add_fcoe_commands(commands);
   add_stats_commands(commands);
+  add_top_commands(commands);
   add_luns_commands(commands);
   add_npiv_commands(commands);
   add_scsi_commands(commands);
