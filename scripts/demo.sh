@@ -13,6 +13,10 @@ show vaskdfc show 0
 show vaskdfc ports 1 --discovered
 show vaskdfc -o json list
 
+show vaskdfc luns 0 --tree
+show vaskdfc nameserver 0
+show vaskdfc stats 0 --watch 1 --count 3
+
 # Changes are written to files here and outlive each command, as in an adapter's non-volatile memory.
 state=$(mktemp -d)
 trap 'rm -rf "$state"' EXIT
