@@ -232,7 +232,7 @@ std::string sparkline(const std::deque<std::optional<double>>& history, std::siz
   constexpr std::array kLetters{"_", ".", ":", "-", "=", "+", "*", "#"};
   static_assert(kBlocks.size() == kLetters.size());
   const std::size_t count = std::min(width, history.size());
-  const auto shown = std::ranges::subrange(history.end() - static_cast<std::ptrdiff_t>(count), history.end());
+  const std::vector<std::optional<double>> shown(history.end() - static_cast<std::ptrdiff_t>(count), history.end());
   double most = 0;
   for (const auto& value : shown) most = std::max(most, value.value_or(0));
   std::string text;
