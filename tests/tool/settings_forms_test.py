@@ -49,7 +49,7 @@ class SettingForms(forms_test.Forms):
 
     def test_every_schema_is_for_a_command_that_is_tested(self):
         tested = {name for _, name in COMMANDS + forms_test.COMMANDS + fc_forms_test.COMMANDS}
-        tested |= {"error", "change", "region-write", "stats-watch"}
+        tested |= {"error", "change", "region-write", "stats-watch", "top"}
         self.assertEqual({path.name.removesuffix(".schema.json") for path in tool.SCHEMAS.iterdir()}, tested)
 
     def test_a_write_of_an_image_reports_like_the_other_changes(self):
