@@ -141,10 +141,9 @@ Bytes expect_accepted(std::uint32_t adapter, const Destination& destination, Byt
   const auto answer = parse_link_answer(reply);
   if (answer && answer->accepted) return answer->payload;
   const std::string why = answer ? "rejected the request: " + rejection_text(*answer) : "gave no answer of a link service";
-  Failure failure =
-      operation_failure(fmt::format("{} {}", destination_text(destination), why), adapter, kOperation, Results::kEls, DFC_OK);
-  failure.hint = "not every port answers every request; \"vaskdfc els send ADAPTER PORT echo\" tells whether it answers at all";
-  throw failure;
+  throw with_hint(
+      operation_failure(fmt::format("{} {}", destination_text(destination), why), adapter, kOperation, Results::kEls, DFC_OK),
+      "not every port answers every request; \"vaskdfc els send ADAPTER PORT echo\" tells whether it answers at all");
 }
 
 std::optional<Section> named_section(Request::Kind kind, Bytes payload) {

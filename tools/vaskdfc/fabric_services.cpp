@@ -26,10 +26,9 @@ CtAnswer understood_answer(std::uint32_t adapter, Bytes reply) {
 }
 
 Failure service_rejection(std::uint32_t adapter, const CtAnswer& answer) {
-  Failure failure = operation_failure(fmt::format("the fabric rejected the request: {}", rejection_text(answer)), adapter,
-                                      kServiceOperation, Results::kDfc, DFC_OK);
-  failure.hint = "\"vaskdfc nameserver ADAPTER\" shows what is registered";
-  return failure;
+  return with_hint(operation_failure(fmt::format("the fabric rejected the request: {}", rejection_text(answer)), adapter,
+                                     kServiceOperation, Results::kDfc, DFC_OK),
+                   "\"vaskdfc nameserver ADAPTER\" shows what is registered");
 }
 
 const NameQuery& name_query(const std::string& name) {

@@ -151,6 +151,11 @@ Failure operation_failure(std::string message, std::optional<std::uint32_t> adap
   return failure;
 }
 
+Failure with_hint(Failure failure, std::string hint) {
+  failure.hint = std::move(hint);
+  return failure;
+}
+
 std::string render_failure(const Failure& failure, Form form) {
   const Section section = section_of(failure);
   const Record& fields = section.records.front();

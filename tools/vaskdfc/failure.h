@@ -42,6 +42,9 @@ Failure usage_failure(std::string message, std::string hint = "");
 Failure operation_failure(std::string message, std::optional<std::uint32_t> adapter, std::string operation, Results results,
                           std::uint32_t result);
 
+// The same, where something else helps than what helps most often.
+Failure with_hint(Failure failure, std::string hint);
+
 // The failure as the tool reports it on standard error.
 std::string render_failure(const Failure& failure, Form form);
 

@@ -63,11 +63,10 @@ Answer ask(const UnitAddress& unit, const std::string& operation, std::uint32_t 
 
 const Answer& completed(const UnitAddress& unit, const Answer& answer) {
   if (was_done(answer.sense)) return answer;
-  Failure failure = operation_failure(
-      fmt::format("LUN {} of {} refused the command: {}", lun_text(unit.lun), wwn_text(unit.target), sense_text(answer.sense)),
-      unit.adapter, answer.operation, Results::kHba, HBA_STATUS_OK);
-  failure.hint = "\"vaskdfc scsi luns\" shows the units that the target has";
-  throw failure;
+  throw with_hint(operation_failure(fmt::format("LUN {} of {} refused the command: {}", lun_text(unit.lun), wwn_text(unit.target),
+                                                sense_text(answer.sense)),
+                                    unit.adapter, answer.operation, Results::kHba, HBA_STATUS_OK),
+                  "\"vaskdfc scsi luns\" shows the units that the target has");
 }
 
 Answer inquiry(const UnitAddress& unit, std::optional<std::uint8_t> page) {
