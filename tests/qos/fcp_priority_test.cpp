@@ -135,7 +135,10 @@ TEST_F(GetRulesTest, leaves_the_callers_table_alone_when_the_call_fails) {
 }
 
 TEST_F(GetRulesTest, counts_no_rule_where_the_driver_writes_nothing) {
+  // Memory that was used before is not blank.
+  driver.expect(call(0, 12));
   driver.expect({.callback = Callback::kGetFcpPriority, .sent = {.brdno = kDriverBoard, .arg2 = 0}});
+  EXPECT_EQ(get(0, 0, 12), DFC_TOO_SMALL);
   EXPECT_EQ(get(0, 0, 0), DFC_OK);
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <initializer_list>
 #include <vector>
 
@@ -27,7 +26,7 @@ class RuleTable {
     list().count = room;
   }
   explicit RuleTable(const std::vector<fcp_prio_entry>& rules) : RuleTable(static_cast<std::uint32_t>(rules.size())) {
-    std::memcpy(memory_.data() + sizeof(std::uint32_t), rules.data(), rules.size() * sizeof(fcp_prio_entry));
+    std::ranges::copy(rules, list().entries);
   }
 
   dfc_fcp_prio_list& list() { return *reinterpret_cast<dfc_fcp_prio_list*>(memory_.data()); }
