@@ -1,14 +1,11 @@
 #include "driver/adapter.h"
 
-#include <fmt/format.h>
+#include "driver/stored_name.h"
 
 namespace simulator {
 
 Adapter::Adapter(const scenario::Adapter& card, StateStore& store)
-    : card_(card),
-      store_(store),
-      name_(fmt::format("adapter-{:02x}.json", fmt::join(card.port.wwpn.wwn, ""))),
-      regions_(card, store) {
+    : card_(card), store_(store), name_(stored_name("adapter", card, "json")), regions_(card, store), parameters_(card, store) {
   state();
 }
 
@@ -29,13 +26,15 @@ AdapterState Adapter::change(const std::function<void(AdapterState&)>& changes) 
   return state;
 }
 
-std::string Adapter::stored_name(std::string_view what) const {
-  return fmt::format("{}-{:02x}.bin", what, fmt::join(card_.port.wwpn.wwn, ""));
+void Adapter::restart_counters(Clock::Time now) {
+  restarted_ = now;
+  io_ = {};
 }
 
 fc_hba::PortState Adapter::port_state(const AdapterState& state) const {
   if (card_.failed) return fc_hba::PortState::kError;
   if (state.not_ready_reports > 0) return fc_hba::PortState::kOffline;
+  if (state.loopback != LoopbackMode::kNone) return fc_hba::PortState::kLoopback;
   if (state.diagnostic_state == DiagnosticState::kOffline) return fc_hba::PortState::kOffline;
   if (state.diagnostic_state == DiagnosticState::kDiagnostic) return fc_hba::PortState::kDiagnostics;
   return card_.fabric ? fc_hba::PortState::kOnline : fc_hba::PortState::kLinkDown;

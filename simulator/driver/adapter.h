@@ -10,6 +10,8 @@
 #include "driver/adapter_state.h"
 #include "driver/clock.h"
 #include "driver/event_queue.h"
+#include "driver/io_counters.h"
+#include "driver/parameters.h"
 #include "driver/regions.h"
 #include "driver/state_store.h"
 #include "scenario/fc_hba.h"
@@ -34,13 +36,15 @@ class Adapter {
 
   EventQueue& events() { return events_; }
 
-  // The store, and the name under which it holds something of this adapter.
+  Parameters& parameters() { return parameters_; }
+  const Parameters& parameters() const { return parameters_; }
+  IoCounters& io() { return io_; }
+
   StateStore& store() { return store_; }
-  std::string stored_name(std::string_view what) const;
 
   // When the counters last started from nothing, on the driver's clock.
   std::optional<Clock::Time> restarted() const { return restarted_; }
-  void restart_counters(Clock::Time now) { restarted_ = now; }
+  void restart_counters(Clock::Time now);
 
   // What becomes of the port in a given state.
   fc_hba::PortState port_state(const AdapterState& state) const;
@@ -56,6 +60,8 @@ class Adapter {
   Regions regions_;
   std::map<std::string, std::string> objects_;
   EventQueue events_;
+  Parameters parameters_;
+  IoCounters io_;
   std::optional<Clock::Time> restarted_;
 };
 

@@ -22,6 +22,17 @@ constexpr std::array<std::pair<std::string_view, DiagnosticState>, 3> kStateName
     {"diagnostic", DiagnosticState::kDiagnostic},
 }};
 
+constexpr std::array<std::pair<std::string_view, LoopbackMode>, 3> kLoopbackNames{{
+    {"none", LoopbackMode::kNone},
+    {"internal", LoopbackMode::kInternal},
+    {"external", LoopbackMode::kExternal},
+}};
+
+template <typename Value, std::size_t N>
+std::string_view name_of(const std::array<std::pair<std::string_view, Value>, N>& names, Value value) {
+  return std::ranges::find(names, value, &std::pair<std::string_view, Value>::second)->first;
+}
+
 struct Reader {
   const std::string& file;
 
@@ -41,10 +52,18 @@ struct Reader {
     return value.get<std::uint32_t>();
   }
 
-  DiagnosticState diagnostic_state(const json& value) const {
-    const auto found = std::ranges::find_if(kStateNames, [&](const auto& state) { return value == state.first; });
-    if (found == kStateNames.end()) damaged("diagnostic_state", "\"online\", \"offline\" or \"diagnostic\"");
-    return found->second;
+  template <typename Value>
+  Value named(const std::array<std::pair<std::string_view, Value>, 3>& names, const json& value, const char* where) const {
+    const auto found = std::ranges::find_if(names, [&](const auto& one) { return value == one.first; });
+    if (found != names.end()) return found->second;
+    damaged(where, fmt::format("\"{}\", \"{}\" or \"{}\"", names[0].first, names[1].first, names[2].first));
+  }
+
+  DiagnosticState diagnostic_state(const json& value) const { return named(kStateNames, value, "diagnostic_state"); }
+
+  // Older states say nothing about it.
+  LoopbackMode loopback(const json& document) const {
+    return named(kLoopbackNames, document.value("loopback", json("none")), "loopback");
   }
 
   std::deque<TestEvent> events(const json& values) const {
@@ -68,10 +87,10 @@ void AdapterState::raise(TestEvent event) {
 }
 
 std::string write_state(const AdapterState& state) {
-  const auto name = std::ranges::find(kStateNames, state.diagnostic_state, &std::pair<std::string_view, DiagnosticState>::second);
   json events = json::array();
   for (const TestEvent& event : state.events) events.push_back({event.first, event.second});
-  const json document{{"diagnostic_state", name->first},
+  const json document{{"diagnostic_state", name_of(kStateNames, state.diagnostic_state)},
+                      {"loopback", name_of(kLoopbackNames, state.loopback)},
                       {"not_ready_reports", state.not_ready_reports},
                       {"generation", state.generation},
                       {"events_raised", state.events_raised},
@@ -85,6 +104,7 @@ AdapterState read_state(const std::string& name, std::string_view text) {
   if (!document.is_object()) reader.damaged("the whole file", "a JSON object");
   return {
       .diagnostic_state = reader.diagnostic_state(reader.member(document, "diagnostic_state")),
+      .loopback = reader.loopback(document),
       .not_ready_reports = reader.word(reader.member(document, "not_ready_reports"), "not_ready_reports"),
       .generation = reader.word(reader.member(document, "generation"), "generation"),
       .events_raised = reader.word(reader.member(document, "events_raised"), "events_raised"),

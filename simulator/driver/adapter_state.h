@@ -16,6 +16,13 @@ enum class DiagnosticState : std::uint32_t {
   kDiagnostic = 4,
 };
 
+// Loopback modes as the driver numbers them.
+enum class LoopbackMode : std::uint32_t {
+  kNone = 0,
+  kInternal = 1,  // within the adapter
+  kExternal = 4,  // through what is plugged into the port
+};
+
 struct TestEvent {
   std::uint32_t first;
   std::uint32_t second;
@@ -23,6 +30,7 @@ struct TestEvent {
 
 struct AdapterState {
   DiagnosticState diagnostic_state = DiagnosticState::kOnline;
+  LoopbackMode loopback = LoopbackMode::kNone;
   std::uint32_t not_ready_reports = 0;  // so many state reports still say "not ready"
   std::uint32_t generation = 0;         // counts changes of the fabric as this adapter sees it
   std::uint32_t events_raised = 0;

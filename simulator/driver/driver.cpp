@@ -31,6 +31,9 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
   register_fabric(door_);
   register_events(door_);
   register_rnid(door_);
+  register_parameters(door_);
+  register_link(door_);
+  register_vpd(door_);
 }
 
 std::uint32_t Driver::invoke(const std::string& interface_name, const vaskdfc::CallbackFacts& callback, dfc_mgmt_hdr& header,

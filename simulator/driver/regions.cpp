@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "driver/stored_name.h"
 #include "transport/records/regions.h"
 
 namespace simulator {
@@ -31,9 +32,7 @@ void Regions::write(std::uint32_t region, std::span<const std::uint8_t> image) {
   });
 }
 
-std::string Regions::name(std::uint32_t region) const {
-  return fmt::format("region-{}-{:02x}.bin", region, fmt::join(card_.port.wwpn.wwn, ""));
-}
+std::string Regions::name(std::uint32_t region) const { return stored_name(fmt::format("region-{}", region), card_, "bin"); }
 
 std::optional<std::string> Regions::written(std::uint32_t region) const {
   std::optional<std::string> image = store_.load(name(region));

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "driver/stored_name.h"
 #include "families/port_counters.h"
 #include "scsi/big_endian.h"
 
@@ -85,7 +86,7 @@ Bytes link_errors(const Member& member, std::span<const std::uint8_t> request, C
 HbaMgmtInfo management_info(Adapter& adapter) {
   constexpr std::uint32_t kHost = 0x0B;
   HbaMgmtInfo info{};
-  const std::string name = adapter.stored_name("rnid");
+  const std::string name = stored_name("rnid", adapter.card(), "bin");
   const auto stored = adapter.store().load(name);
   if (!stored) {
     info.wwn = adapter.card().port.wwpn;
@@ -102,7 +103,7 @@ HbaMgmtInfo management_info(Adapter& adapter) {
 
 void set_management_info(Adapter& adapter, const HbaMgmtInfo& info) {
   management_info(adapter);  // what is damaged is not overwritten
-  adapter.store().update(adapter.stored_name("rnid"), [&](const std::optional<std::string>&) {
+  adapter.store().update(stored_name("rnid", adapter.card(), "bin"), [&](const std::optional<std::string>&) {
     return std::string(reinterpret_cast<const char*>(&info), sizeof(info));
   });
 }

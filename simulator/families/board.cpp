@@ -3,6 +3,7 @@
 
 #include "driver/driver.h"
 #include "families/families.h"
+#include "families/restart.h"
 #include "families/text.h"
 
 namespace simulator {
@@ -68,44 +69,23 @@ DriverStatus report_state(BoardCall& call) {
 }
 
 void switch_to(AdapterState& state, DiagnosticState wanted) {
-  if (state.diagnostic_state == wanted) return;
-  const bool fabric_changes = state.diagnostic_state == DiagnosticState::kOnline || wanted == DiagnosticState::kOnline;
+  const bool was_up = holds_link_up(state);
   state.diagnostic_state = wanted;
-  if (fabric_changes) ++state.generation;
+  if (holds_link_up(state) != was_up) ++state.generation;
 }
 
-void restart(AdapterState& state, const scenario::Adapter& card) {
-  state.diagnostic_state = DiagnosticState::kOnline;
-  state.not_ready_reports = card.not_ready_reports;
-  ++state.generation;
-}
-
-// What applications learn when the link goes or comes; where there is no cable it does neither.
-void tell_link(Adapter& adapter, bool was_up, bool is_up, bool restarted) {
-  if (!adapter.card().fabric) return;
-  const auto push = [&](scenario::Event::Code code) {
-    adapter.events().push({.code = static_cast<std::uint32_t>(code), .fc_id = adapter.card().port.fc_id});
-  };
-  if (was_up && (!is_up || restarted)) push(scenario::Event::Code::kLinkDown);
-  if (is_up && (!was_up || restarted)) push(scenario::Event::Code::kLinkUp);
+DiagnosticState wanted_by(DiagnosticCommand command) {
+  if (command == DiagnosticCommand::kOnline) return DiagnosticState::kOnline;
+  return command == DiagnosticCommand::kOffline ? DiagnosticState::kOffline : DiagnosticState::kDiagnostic;
 }
 
 DriverStatus change_state(BoardCall& call, DiagnosticCommand command) {
   const AdapterState before = call.adapter.state();
   if (!is_ready(call.adapter, before)) return VMKMGMT_SIM_DRIVER_NOT_READY;
 
-  const AdapterState state = call.adapter.change([&](AdapterState& changed) {
-    switch (command) {
-      case DiagnosticCommand::kOnline: return switch_to(changed, DiagnosticState::kOnline);
-      case DiagnosticCommand::kOffline: return switch_to(changed, DiagnosticState::kOffline);
-      case DiagnosticCommand::kDiagnostic: return switch_to(changed, DiagnosticState::kDiagnostic);
-      case DiagnosticCommand::kRestart: return restart(changed, call.adapter.card());
-      case DiagnosticCommand::kReport: return;
-    }
-  });
-  tell_link(call.adapter, before.diagnostic_state == DiagnosticState::kOnline, state.diagnostic_state == DiagnosticState::kOnline,
-            command == DiagnosticCommand::kRestart);
-  if (command == DiagnosticCommand::kRestart) call.adapter.restart_counters(call.driver.clock().now());
+  const bool restarts = command == DiagnosticCommand::kRestart;
+  const AdapterState state =
+      restarts ? restart(call) : change_link(call.adapter, [&](AdapterState& changed) { switch_to(changed, wanted_by(command)); });
   call.header.arg4 = reported_state(call.adapter, state);
   return VMKMGMT_SIM_DRIVER_OK;
 }

@@ -19,5 +19,8 @@ void register_mapping(Door& door);
 void register_fabric(Door& door);
 void register_events(Door& door);
 void register_rnid(Door& door);
+void register_parameters(Door& door);
+void register_link(Door& door);
+void register_vpd(Door& door);
 
 }  // namespace simulator

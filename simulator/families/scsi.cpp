@@ -15,13 +15,10 @@ using vaskdfc::FcpPassThruRequest;
 using vaskdfc::ScsiPassThruRequest;
 using vaskdfc::TransferData;
 
-constexpr std::uint8_t kFcp = 0x08;
-
 // A port that serves FCP among those that the adapter has discovered, and its position there; null if there is none.
 const Port* find_target(std::span<const Port> ports, const HbaWwn& wwpn) {
-  const auto found = std::ranges::find_if(ports, [&](const Port& port) {
-    return port.wwpn == wwpn && (port.fc4_types[fc_hba::fc4_byte(kFcp)] & fc_hba::fc4_bit(kFcp)) != 0;
-  });
+  const auto found =
+      std::ranges::find_if(ports, [&](const Port& port) { return port.wwpn == wwpn && fc_hba::serves_fcp(port.fc4_types); });
   return found == ports.end() ? nullptr : &*found;
 }
 
@@ -36,6 +33,13 @@ scsi::Command command_of(const FcpCmndBlock& block, std::span<const std::uint8_t
   std::ranges::copy(block.FcpLun, command.lun.begin());
   std::ranges::copy(block.CDB, command.cdb.begin());
   return command;
+}
+
+void count(const scsi::Answer& answer, IoCounters& io) {
+  ++io.commands;
+  if (answer.sense) ++io.commands_with_sense;
+  io.bytes_read += answer.data.size();
+  io.bytes_written += answer.taken;
 }
 
 // The third argument word becomes the number of bytes that came from the target, so it is 0 after a write.
@@ -57,6 +61,7 @@ DriverStatus perform(BoardCall& call, const HbaWwn& wwpn, const FcpCmndBlock& bl
   produced.resize(std::min(produced.size(), room));
   std::ranges::copy(produced, data.bytes);
   call.header.arg3 = static_cast<std::uint32_t>(produced.size());
+  count(exchange.answer, call.adapter.io());
   return VMKMGMT_SIM_DRIVER_OK;
 }
 

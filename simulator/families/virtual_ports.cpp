@@ -1,10 +1,11 @@
 // Virtual ports. The layouts of what is said about them are this driver's choice.
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 #include <vector>
 
 #include "driver/driver.h"
 #include "families/families.h"
+#include "families/layout.h"
 #include "families/text.h"
 #include "families/wwn.h"
 
@@ -45,25 +46,21 @@ struct Attributes {
   std::uint32_t zero_336;
 };
 
+// The port's WWN stands where applications look for it.
 struct Node {
-  HbaWwn node_wwn;
-  HbaWwn port_wwn;
   std::uint32_t fc_id;
   std::uint32_t type;
   std::uint32_t state;
   std::uint32_t classes_of_service;
   std::uint8_t fc4_types[32];
   char symbolic_name[224];
-  HbaWwn fabric_name;
   std::uint32_t speed;
+  HbaWwn node_wwn;
+  HbaWwn port_wwn;
+  HbaWwn fabric_name;
   std::uint32_t units;
 };
-
-template <typename Layout, typename Bytes>
-void fill(Bytes& bytes, const Layout& layout) {
-  static_assert(sizeof(Layout) == sizeof(bytes));
-  std::memcpy(&bytes, &layout, sizeof(layout));
-}
+static_assert(offsetof(Node, port_wwn) == vaskdfc::kNodePortWwn);
 
 constexpr std::size_t kMostNodes = std::extent_v<decltype(NodeListReply::entries)>;
 
@@ -144,7 +141,7 @@ DriverStatus list(BoardCall& call, VportListReply& reply) {
 }
 
 Node describe(const Port& port, const scenario::Adapter& card) {
-  Node node{.node_wwn = port.wwnn, .port_wwn = port.wwpn, .fc_id = port.fc_id};
+  Node node{.fc_id = port.fc_id, .node_wwn = port.wwnn, .port_wwn = port.wwpn};
   node.type = static_cast<std::uint32_t>(fc_hba::PortType::kNPort);
   node.state = static_cast<std::uint32_t>(fc_hba::PortState::kOnline);
   node.classes_of_service = fc_hba::kClass3;

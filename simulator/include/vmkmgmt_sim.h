@@ -52,11 +52,13 @@ typedef enum vmkmgmt_sim_driver_status {
   VMKMGMT_SIM_DRIVER_NOT_SUPPORTED = 0x0BAD0020,      /* neither by this driver nor, perhaps, by this generation of adapter */
   VMKMGMT_SIM_DRIVER_BUSY = 0x0BAD0039,               /* ask again later */
   VMKMGMT_SIM_DRIVER_INDEX_OUT_OF_RANGE = 0x0BAD005D, /* the port list ends before this index; a reply does not fit */
-  VMKMGMT_SIM_DRIVER_NO_ROOM = 0x0BAD00B4,            /* a list of virtual ports or nodes is longer than the room */
+  VMKMGMT_SIM_DRIVER_NO_VPD = 0x0BAD0084,             /* no vital product data under this selector */
+  VMKMGMT_SIM_DRIVER_NO_ROOM = 0x0BAD00B4,            /* a list is longer than the room */
   VMKMGMT_SIM_DRIVER_NO_SUCH_BOARD = 0x0BAD0201,      /* no adapter has this driver board number */
   VMKMGMT_SIM_DRIVER_NOT_READY = 0x0BAD0202,          /* the adapter's firmware does not run */
   VMKMGMT_SIM_DRIVER_STATE_NOT_SAVED = 0x0BAD0203,    /* the state folder failed; what it held before still stands */
-  VMKMGMT_SIM_DRIVER_BAD_COMMAND = 0x0BAD0204         /* the callback knows no such sub-command, type, code or size */
+  VMKMGMT_SIM_DRIVER_BAD_COMMAND = 0x0BAD0204,        /* the callback knows no such sub-command, type, code or size */
+  VMKMGMT_SIM_DRIVER_OUT_OF_RANGE = 0x0BAD0205        /* a value, an address or a length that the driver or the adapter refuses */
 } vmkmgmt_sim_driver_status;
 
 /* How the adapter completes a mailbox: its status halfword, and the completion word of a dump. */

@@ -11,6 +11,7 @@
 
 #include "scenario/document.h"
 #include "scenario/hexadecimal.h"
+#include "scenario/settings_consistency.h"
 #include "scenario/target_consistency.h"
 #include "transport/records/regions.h"
 
@@ -55,6 +56,7 @@ struct Checker {
     each(document, "", "foreign_boards", &Checker::check_foreign_board);
     each(document, "", "faults", &Checker::check_fault);
     check_targets(file, document);
+    check_settings(file, document);
   }
 
   template <typename Member>

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -64,6 +65,13 @@ struct Fcf {
   bool valid = true;  // false: an entry of the adapter's table that holds no FCF
 };
 
+struct Vpd {
+  std::string product;
+  std::string part_number;
+  std::string engineering_change;
+  std::string manufacture_id;
+};
+
 struct Adapter {
   std::uint32_t board = 0;
   PciIdentity pci;
@@ -88,6 +96,8 @@ struct Adapter {
   std::vector<Region> regions;
   std::vector<Fcf> fcfs;
   Counters counters;
+  std::map<std::string, std::uint32_t, std::less<>> parameters;  // those that begin with another value than the driver's
+  Vpd vpd;
   std::vector<Binding> bindings;
   std::vector<Event> events;  // in the order of their times
 };

@@ -53,7 +53,8 @@ TEST(State, survives_the_process_in_a_folder_that_is_created) {
     EXPECT_EQ(session.call<Callback::kHbaRefreshInfo>({.brdno = 1}).arg4, 1u);
   });
   EXPECT_EQ(json::parse(read_file(folder.path(std::string("state/") + kStateFile))), json::parse(R"({
-    "diagnostic_state": "diagnostic", "not_ready_reports": 0, "generation": 1, "events_raised": 2, "events": [[0, 0], [1, 0]]})"));
+    "diagnostic_state": "diagnostic", "loopback": "none", "not_ready_reports": 0, "generation": 1,
+    "events_raised": 2, "events": [[0, 0], [1, 0]]})"));
 }
 
 TEST(State, belongs_to_the_adapter_wherever_it_is_plugged_in) {

@@ -2,30 +2,13 @@
 #include <algorithm>
 #include <memory>
 
-#include "sim_process.h"
+#include "record_fields.h"
 
 namespace {
 
 using vaskdfc::NodeListReply;
 using vaskdfc::VportListReply;
 using vaskdfc::WwnKey;
-
-template <typename Value, typename Bytes>
-Value at(const Bytes& bytes, std::size_t offset) {
-  Value value;
-  std::memcpy(&value, bytes + offset, sizeof(value));
-  return value;
-}
-
-template <typename Bytes>
-std::string text_at(const Bytes& bytes, std::size_t offset) {
-  return reinterpret_cast<const char*>(bytes) + offset;
-}
-
-template <typename Bytes>
-std::uint32_t word(const Bytes& bytes, std::size_t offset) {
-  return at<std::uint32_t>(bytes, offset);
-}
 
 WwnKey key(std::initializer_list<std::uint8_t> bytes) {
   WwnKey result = garbage<WwnKey>();
@@ -43,7 +26,8 @@ std::vector<std::string> nodes(Session& session, std::uint32_t board, const WwnK
   const dfc_mgmt_hdr header = session.call<Callback::kVportGetNodeInfo>({.brdno = board, .arg2 = 512}, port, *reply);
   EXPECT_EQ(header.status, 0u);
   std::vector<std::string> result;
-  for (std::uint32_t i = 0; i < reply->count; ++i) result.push_back(text(at<HbaWwn>(reply->entries[i].bytes, 8)));
+  for (std::uint32_t i = 0; i < reply->count; ++i)
+    result.push_back(text(at<HbaWwn>(reply->entries[i].bytes, vaskdfc::kNodePortWwn)));
   return result;
 }
 
@@ -132,16 +116,17 @@ TEST(VirtualPorts, and_the_port_itself_see_nodes) {
     EXPECT_EQ(status(session.call<Callback::kVportGetNodeInfo>({.brdno = 3, .arg2 = 2}, kOwn, *reply)), 0u);
     ASSERT_EQ(reply->count, 2u);
     const auto& node = reply->entries[0].bytes;
-    EXPECT_EQ(text(at<HbaWwn>(node, 0)), "50:5a:41:00:0c:00:10:00");
-    EXPECT_EQ(text(at<HbaWwn>(node, 8)), "50:5a:41:00:0c:00:10:03");
-    EXPECT_EQ(word(node, 16), 0x020200u);
-    EXPECT_EQ(word(node, 20), 5u);
-    EXPECT_EQ(word(node, 24), 2u);
-    EXPECT_EQ(word(node, 28), 8u);
-    EXPECT_EQ(node[34], 1) << "FCP";
-    EXPECT_EQ(text_at(node, 64), "array-1 controller A port 2");
-    EXPECT_EQ(text(at<HbaWwn>(node, 288)), "10:00:5a:41:20:00:b0:01");
-    EXPECT_EQ(word(node, 296), 0x20u);
+    EXPECT_EQ(word(node, 0), 0x020200u);
+    EXPECT_EQ(word(node, 4), 5u);
+    EXPECT_EQ(word(node, 8), 2u);
+    EXPECT_EQ(word(node, 12), 8u);
+    EXPECT_EQ(node[18], 1) << "FCP";
+    EXPECT_EQ(text_at(node, 48), "array-1 controller A port 2");
+    EXPECT_EQ(word(node, 272), 0x20u);
+    EXPECT_EQ(text(at<HbaWwn>(node, 276)), "50:5a:41:00:0c:00:10:00");
+    EXPECT_EQ(text(at<HbaWwn>(node, 284)), "50:5a:41:00:0c:00:10:03");
+    EXPECT_EQ(text(at<HbaWwn>(node, 292)), "10:00:5a:41:20:00:b0:01");
+    EXPECT_EQ(word(node, 300), 5u);
 
     const dfc_mgmt_hdr tight = session.call<Callback::kVportGetNodeInfo>({.brdno = 3, .arg2 = 1}, kFirst, *reply);
     EXPECT_EQ(tight.status, std::uint32_t{VMKMGMT_SIM_DRIVER_NO_ROOM});
