@@ -7,11 +7,13 @@
 #include <span>
 #include <string>
 
+#include "driver/adapter_memory.h"
 #include "driver/adapter_state.h"
 #include "driver/clock.h"
 #include "driver/event_queue.h"
 #include "driver/io_counters.h"
 #include "driver/parameters.h"
+#include "driver/pci_space.h"
 #include "driver/regions.h"
 #include "driver/state_store.h"
 #include "scenario/fc_hba.h"
@@ -39,6 +41,9 @@ class Adapter {
   Parameters& parameters() { return parameters_; }
   const Parameters& parameters() const { return parameters_; }
   IoCounters& io() { return io_; }
+  PciSpace& pci_space() { return pci_space_; }
+  // Reached only on adapters of the older interface.
+  AdapterMemory& memory() { return memory_; }
 
   StateStore& store() { return store_; }
 
@@ -62,6 +67,8 @@ class Adapter {
   EventQueue events_;
   Parameters parameters_;
   IoCounters io_;
+  PciSpace pci_space_;
+  AdapterMemory memory_;
   std::optional<Clock::Time> restarted_;
 };
 

@@ -34,6 +34,8 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
   register_parameters(door_);
   register_link(door_);
   register_vpd(door_);
+  register_access(door_);
+  register_reset(door_);
 }
 
 std::uint32_t Driver::invoke(const std::string& interface_name, const vaskdfc::CallbackFacts& callback, dfc_mgmt_hdr& header,

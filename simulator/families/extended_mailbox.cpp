@@ -76,7 +76,7 @@ MailboxStatus write_object(ObjectCall& call) {
   if (call.length() > carried) return VMKMGMT_SIM_MAILBOX_BAD_REQUEST;
   if (call.offset() > kLargestObject - call.length()) return VMKMGMT_SIM_MAILBOX_NO_ROOM;
   auto& objects = call.adapter.objects();
-  if (objects.size() == kObjects && !objects.contains(call.name())) return VMKMGMT_SIM_MAILBOX_NO_ROOM;
+  if (objects.size() >= kObjects && !objects.contains(call.name())) return VMKMGMT_SIM_MAILBOX_NO_ROOM;
 
   std::string& content = objects[call.name()];
   content.resize(std::max<std::size_t>(content.size(), call.offset() + call.length()));

@@ -22,5 +22,7 @@ void register_rnid(Door& door);
 void register_parameters(Door& door);
 void register_link(Door& door);
 void register_vpd(Door& door);
+void register_access(Door& door);
+void register_reset(Door& door);
 
 }  // namespace simulator

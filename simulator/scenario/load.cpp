@@ -209,7 +209,8 @@ Fault fault(const json& value) {
 Driver driver(const json& value) {
   return {.name = value.at("name"),
           .version = value.at("version"),
-          .interfaces = value.value("interfaces", std::vector<std::string>{"vaskfcoe-mgmt"})};
+          .interfaces = value.value("interfaces", std::vector<std::string>{"vaskfcoe-mgmt"}),
+          .reset_type_3 = value.value("reset_type_3", true)};
 }
 
 std::string read_file(const char* path) {

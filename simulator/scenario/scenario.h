@@ -112,6 +112,7 @@ struct Driver {
   std::string name;
   std::string version;
   std::vector<std::string> interfaces;
+  bool reset_type_3 = true;  // the driver offers it
 };
 
 // What the platform or the driver answers instead of, or on top of, its own answer.
