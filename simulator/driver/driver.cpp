@@ -36,6 +36,7 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
   register_vpd(door_);
   register_access(door_);
   register_reset(door_);
+  register_loopback(door_);
 }
 
 std::uint32_t Driver::invoke(const std::string& interface_name, const vaskdfc::CallbackFacts& callback, dfc_mgmt_hdr& header,

@@ -24,5 +24,6 @@ void register_link(Door& door);
 void register_vpd(Door& door);
 void register_access(Door& door);
 void register_reset(Door& door);
+void register_loopback(Door& door);
 
 }  // namespace simulator

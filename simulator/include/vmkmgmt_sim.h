@@ -51,8 +51,10 @@ typedef enum vmkmgmt_sim_driver_status {
   VMKMGMT_SIM_DRIVER_NO_SUCH_PORT = 0x0BAD0003,       /* no discovered port at this index; no port of this WWN */
   VMKMGMT_SIM_DRIVER_NO_DUMP_ROOM = 0x0BAD0003,       /* of a dump region: its descriptor is longer than the room */
   VMKMGMT_SIM_DRIVER_NO_SUCH_REGION = 0x0BAD0007,     /* no dump region of this identifier */
+  VMKMGMT_SIM_DRIVER_LOOP_OPEN = 0x0BAD000A,          /* external loopback, but nothing comes back */
   VMKMGMT_SIM_DRIVER_NO_DUMP = 0x0BAD0014,            /* the firmware has dumped nothing into the region */
   VMKMGMT_SIM_DRIVER_NOT_SUPPORTED = 0x0BAD0020,      /* neither by this driver nor, perhaps, by this generation of adapter */
+  VMKMGMT_SIM_DRIVER_WRONG_MODE = 0x0BAD0021,         /* the port is in a mode that does not allow this */
   VMKMGMT_SIM_DRIVER_BUSY = 0x0BAD0039,               /* ask again later */
   VMKMGMT_SIM_DRIVER_INDEX_OUT_OF_RANGE = 0x0BAD005D, /* the port list ends before this index; a reply does not fit */
   VMKMGMT_SIM_DRIVER_NO_VPD = 0x0BAD0084,             /* no vital product data under this selector */

@@ -141,6 +141,11 @@ Vpd vpd(const json& adapter) {
           .manufacture_id = value.value("manufacture_id", "")};
 }
 
+Loopback loopback(const json& adapter) {
+  const json value = adapter.value("loopback", json::object());
+  return {.bit_errors = value.value("bit_errors", 0u), .plug = value.value("plug", false)};
+}
+
 Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
   const std::uint32_t board = value.at("board");
   const Port own = port(value);
@@ -172,6 +177,7 @@ Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
       .counters = counters(value),
       .parameters = value.value("parameters", std::map<std::string, std::uint32_t, std::less<>>{}),
       .vpd = vpd(value),
+      .loopback = loopback(value),
       .bindings = bindings(value),
       .events = events(value),
   };

@@ -72,6 +72,11 @@ struct Vpd {
   std::string manufacture_id;
 };
 
+struct Loopback {
+  std::uint32_t bit_errors = 0;  // in every test
+  bool plug = false;             // what the port sends comes back
+};
+
 struct Adapter {
   std::uint32_t board = 0;
   PciIdentity pci;
@@ -98,6 +103,7 @@ struct Adapter {
   Counters counters;
   std::map<std::string, std::uint32_t, std::less<>> parameters;  // those that begin with another value than the driver's
   Vpd vpd;
+  Loopback loopback;
   std::vector<Binding> bindings;
   std::vector<Event> events;  // in the order of their times
 };

@@ -19,7 +19,11 @@ struct SettingsChecker {
     throw ScenarioError::at(file, path, problem);
   }
 
-  void check_adapter(const json& adapter, const std::string& path) const { check_parameters(adapter, path + ".parameters"); }
+  void check_adapter(const json& adapter, const std::string& path) const {
+    check_parameters(adapter, path + ".parameters");
+    const bool plug = adapter.value("loopback", json::object()).value("plug", false);
+    if (plug && adapter.contains("fabric")) refuse(path + ".loopback.plug", "unexpected; only a port without a cable has it");
+  }
 
   void check_parameters(const json& adapter, const std::string& path) const {
     const json parameters = adapter.value("parameters", json::object());

@@ -173,7 +173,7 @@ TEST(Interface, callbacks_without_a_function_answer_not_supported) {
     Session session;
     std::vector<std::uint8_t> first(0x100000, 0xA5), second(first), third(first);
     const std::vector<std::uint8_t> untouched(first);
-    for (const Callback callback : {Callback::k132, Callback::k19, Callback::kLip, Callback::kHbaSendFcp, Callback::kOasGet}) {
+    for (const Callback callback : {Callback::k132, Callback::k19, Callback::kLip, Callback::kHbaSendFcp, Callback::k4111}) {
       const vaskdfc::CallbackFacts& row = facts_of(callback);
       dfc_mgmt_hdr header{.brdno = 1};
       EXPECT_EQ(vmk_MgmtUserCallbackInvokeInt(session.handle(), 0, row.id, row.parameters, &header, first.data(), second.data(),
