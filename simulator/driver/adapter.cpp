@@ -5,7 +5,15 @@
 namespace simulator {
 
 Adapter::Adapter(const scenario::Adapter& card, StateStore& store)
-    : card_(card), store_(store), name_(stored_name("adapter", card, "json")), regions_(card, store), parameters_(card, store), pci_space_(card, store), memory_(card, store) {
+    : card_(card),
+      store_(store),
+      name_(stored_name("adapter", card, "json")),
+      regions_(card, store),
+      parameters_(card, store),
+      priority_(card, store),
+      oas_rules_(card, store),
+      pci_space_(card, store),
+      memory_(card, store) {
   state();
 }
 

@@ -12,8 +12,10 @@
 #include "driver/clock.h"
 #include "driver/event_queue.h"
 #include "driver/io_counters.h"
+#include "driver/oas_rules.h"
 #include "driver/parameters.h"
 #include "driver/pci_space.h"
+#include "driver/priority_rules.h"
 #include "driver/regions.h"
 #include "driver/state_store.h"
 #include "scenario/fc_hba.h"
@@ -41,6 +43,8 @@ class Adapter {
   Parameters& parameters() { return parameters_; }
   const Parameters& parameters() const { return parameters_; }
   IoCounters& io() { return io_; }
+  PriorityRules& priority() { return priority_; }
+  OasRules& oas_rules() { return oas_rules_; }
   PciSpace& pci_space() { return pci_space_; }
   // Reached only on adapters of the older interface.
   AdapterMemory& memory() { return memory_; }
@@ -67,6 +71,8 @@ class Adapter {
   EventQueue events_;
   Parameters parameters_;
   IoCounters io_;
+  PriorityRules priority_;
+  OasRules oas_rules_;
   PciSpace pci_space_;
   AdapterMemory memory_;
   std::optional<Clock::Time> restarted_;

@@ -37,6 +37,8 @@ Driver::Driver(scenario::Scenario scenario, std::unique_ptr<StateStore> store, s
   register_access(door_);
   register_reset(door_);
   register_loopback(door_);
+  register_priority(door_);
+  register_oas(door_);
 }
 
 std::uint32_t Driver::invoke(const std::string& interface_name, const vaskdfc::CallbackFacts& callback, dfc_mgmt_hdr& header,

@@ -25,5 +25,7 @@ void register_vpd(Door& door);
 void register_access(Door& door);
 void register_reset(Door& door);
 void register_loopback(Door& door);
+void register_priority(Door& door);
+void register_oas(Door& door);
 
 }  // namespace simulator

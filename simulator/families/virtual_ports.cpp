@@ -6,8 +6,8 @@
 #include "driver/driver.h"
 #include "families/families.h"
 #include "families/layout.h"
+#include "families/local_ports.h"
 #include "families/text.h"
-#include "families/wwn.h"
 
 namespace simulator {
 namespace {
@@ -65,22 +65,6 @@ static_assert(offsetof(Node, port_wwn) == vaskdfc::kNodePortWwn);
 constexpr std::size_t kMostNodes = std::extent_v<decltype(NodeListReply::entries)>;
 
 bool is_online(const Adapter& adapter) { return adapter.port_state(adapter.state()) == fc_hba::PortState::kOnline; }
-
-const Port* find_virtual(const Adapter& adapter, const HbaWwn& wwpn) {
-  const auto& ports = adapter.card().virtual_ports;
-  const auto found = std::ranges::find_if(ports, [&](const Port& port) { return port.wwpn == wwpn; });
-  return found == ports.end() ? nullptr : &*found;
-}
-
-// What one of the adapter's ports sees of what the adapter has discovered.
-std::vector<const Port*> nodes_of(const Adapter& adapter, const Port& port) {
-  std::vector<const Port*> result;
-  for (const Port& discovered : adapter.discovered_ports(adapter.state())) {
-    const auto is_it = [&](const HbaWwn& wwpn) { return wwpn == discovered.wwpn; };
-    if (!port.nodes || std::ranges::any_of(*port.nodes, is_it)) result.push_back(&discovered);
-  }
-  return result;
-}
 
 DriverStatus ready(BoardCall& call) {
   if (call.adapter.card().failed) return VMKMGMT_SIM_DRIVER_NOT_READY;
@@ -157,7 +141,7 @@ DriverStatus nodes(BoardCall& call, const WwnKey& key, NodeListReply& reply) {
   const scenario::Adapter& card = call.adapter.card();
   reply.count = 0;
   if (card.failed) return VMKMGMT_SIM_DRIVER_NOT_READY;
-  const Port* const port = key.wwn == card.port.wwpn ? &card.port : find_virtual(call.adapter, key.wwn);
+  const Port* const port = find_local(call.adapter, key.wwn);
   if (port == nullptr) return VMKMGMT_SIM_DRIVER_NO_SUCH_PORT;
 
   const std::vector<const Port*> found = nodes_of(call.adapter, *port);

@@ -131,21 +131,6 @@ Fcf fcf(const json& value) {
   return result;
 }
 
-// As a maker of adapters would name them.
-Vpd vpd(const json& adapter) {
-  const json value = adapter.value("vpd", json::object());
-  const std::string model = adapter.at("model");
-  return {.product = value.value("product", adapter.value("description", model)),
-          .part_number = value.value("part_number", model.substr(model.rfind(' ') + 1)),
-          .engineering_change = value.value("engineering_change", "A"),
-          .manufacture_id = value.value("manufacture_id", "")};
-}
-
-Loopback loopback(const json& adapter) {
-  const json value = adapter.value("loopback", json::object());
-  return {.bit_errors = value.value("bit_errors", 0u), .plug = value.value("plug", false)};
-}
-
 Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
   const std::uint32_t board = value.at("board");
   const Port own = port(value);
@@ -175,9 +160,11 @@ Adapter adapter(const json& value, const std::vector<Fabric>& fabrics) {
       .regions = list(value, "regions", region),
       .fcfs = list(value, "fcfs", fcf),
       .counters = counters(value),
-      .parameters = value.value("parameters", std::map<std::string, std::uint32_t, std::less<>>{}),
+      .parameters = value.value("parameters", ParameterValues{}),
       .vpd = vpd(value),
       .loopback = loopback(value),
+      .priority = priority(value),
+      .oas_rules = oas_rules(value),
       .bindings = bindings(value),
       .events = events(value),
   };

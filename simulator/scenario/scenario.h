@@ -4,13 +4,13 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "scenario/counters.h"
+#include "scenario/settings.h"
 #include "scenario/targets.h"
 #include "vaskdfc/hbaapi.h"
 
@@ -65,18 +65,6 @@ struct Fcf {
   bool valid = true;  // false: an entry of the adapter's table that holds no FCF
 };
 
-struct Vpd {
-  std::string product;
-  std::string part_number;
-  std::string engineering_change;
-  std::string manufacture_id;
-};
-
-struct Loopback {
-  std::uint32_t bit_errors = 0;  // in every test
-  bool plug = false;             // what the port sends comes back
-};
-
 struct Adapter {
   std::uint32_t board = 0;
   PciIdentity pci;
@@ -101,9 +89,11 @@ struct Adapter {
   std::vector<Region> regions;
   std::vector<Fcf> fcfs;
   Counters counters;
-  std::map<std::string, std::uint32_t, std::less<>> parameters;  // those that begin with another value than the driver's
+  ParameterValues parameters;  // those that begin with another value than the driver's
   Vpd vpd;
   Loopback loopback;
+  Priority priority;
+  std::vector<OasRule> oas_rules;
   std::vector<Binding> bindings;
   std::vector<Event> events;  // in the order of their times
 };

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "scenario/document.h"
 #include "scenario/parameters.h"
+#include "scenario/values.h"
 
 namespace simulator::scenario {
 namespace {
@@ -22,7 +24,33 @@ struct SettingsChecker {
   void check_adapter(const json& adapter, const std::string& path) const {
     check_parameters(adapter, path + ".parameters");
     const bool plug = adapter.value("loopback", json::object()).value("plug", false);
+    check_rules(adapter, path);
     if (plug && adapter.contains("fabric")) refuse(path + ".loopback.plug", "unexpected; only a port without a cable has it");
+  }
+
+  void check_rules(const json& adapter, const std::string& path) const {
+    std::set<std::string> names{bytes_of(adapter["wwpn"])};
+    for (const json& port : adapter.value("virtual_ports", json::array())) names.insert(bytes_of(port["wwpn"]));
+    const json rules = adapter.value("oas_rules", json::array());
+    if (!rules.empty() && adapter["sli_mode"] != 4)
+      refuse(path + ".oas_rules", "unexpected; only an adapter of SLI mode 4 has them");
+    std::set<std::string> seen;
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+      const std::string place = fmt::format("{}.oas_rules[{}]", path, i);
+      const json initiator = rules[i].value("initiator", adapter["wwpn"]);
+      if (!names.contains(bytes_of(initiator))) {
+        refuse(place + ".initiator",
+               fmt::format("expected the port WWN of the adapter or of its virtual port, found {}", initiator.dump()));
+      }
+      if (!seen.insert(bytes_of(initiator) + bytes_of(rules[i]["target"]) + rules[i]["lun"].dump()).second) {
+        refuse(place, "expected each rule once");
+      }
+    }
+  }
+
+  static std::string bytes_of(const json& name) {
+    const HbaWwn value = wwn(name);
+    return {std::begin(value.wwn), std::end(value.wwn)};
   }
 
   void check_parameters(const json& adapter, const std::string& path) const {
