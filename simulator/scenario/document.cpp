@@ -110,8 +110,10 @@ const json& resolve(const json& node) {
   return schema_document().at(json::json_pointer(reference->get<std::string>().substr(1)));
 }
 
-// The schema of a member; null for one that the schema does not know.
+// The schema of a member; null for one that the schema does not know. Objects with names of any kind have one for all members.
 const json* member_schema(const json& schema, const std::string& key) {
+  const json& others = schema.at("additionalProperties");
+  if (others.is_object()) return &resolve(others);
   const json& members = schema.at("properties");
   return members.contains(key) ? &resolve(members[key]) : nullptr;
 }

@@ -51,8 +51,8 @@ struct Rules {
 
 Rules list(Session& session, const std::string& initiator, const std::string& target, std::uint32_t board = kBoard) {
   Rules rules{.header = {}, .reply = std::make_unique<OasListReply>(garbage<OasListReply>())};
-  rules.header =
-      session.call<Callback::kOasGet>({.brdno = board, .arg3 = 77, .arg6 = 4117}, wwn(initiator), wwn(target), *rules.reply);
+  const HbaWwn names[]{wwn(initiator), wwn(target)};
+  rules.header = session.call<Callback::kOasGet>({.brdno = board, .arg3 = 77, .arg6 = 4117}, names[0], names[1], *rules.reply);
   return rules;
 }
 

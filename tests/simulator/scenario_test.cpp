@@ -83,7 +83,8 @@ TEST(Scenario, missing_fields_are_named_with_what_they_hold) {
 }
 
 TEST(Scenario, unknown_fields_are_refused_with_those_that_are_known) {
-  EXPECT_EQ(complaint_about("/driver/color", "red"), ": driver.color: unknown field; expected one of interfaces, name, version");
+  EXPECT_EQ(complaint_about("/driver/color", "red"),
+            ": driver.color: unknown field; expected one of interfaces, name, reset_type_3, version");
   EXPECT_EQ(complaint_about("/fabrics/0/ports/0/lun", 1),
             ": fabrics[0].ports[0].lun: unknown field; expected one of fc4_types, fc_id, luns, speed, supported_speeds, "
             "symbolic_name, wwnn, wwpn");
