@@ -45,16 +45,16 @@ struct Attributes {
 };
 
 struct Node {
-  HbaWwn node_wwn;
-  HbaWwn port_wwn;
   std::uint32_t fc_id;
   std::uint32_t type;
   std::uint32_t state;
   std::uint32_t classes_of_service;
   std::array<std::uint8_t, 32> fc4_types;
   std::array<char, 224> symbolic_name;
-  HbaWwn fabric_name;
   std::uint32_t speed;
+  HbaWwn node_wwn;
+  HbaWwn port_wwn;
+  HbaWwn fabric_name;
   std::uint32_t units;
   std::uint32_t not_received;
 };
