@@ -168,7 +168,7 @@ class OtherPorts(tool.ToolTest):
 
 
 class Management(tool.ToolTest):
-    """The command mgmt send."""
+    """The commands mgmt send and mgmt respond."""
 
     def setUp(self):
         super().setUp()
@@ -185,6 +185,19 @@ class Management(tool.ToolTest):
         reply = self.folder / "reply.bin"
         self.json_of("mgmt-send", "mgmt", "send", "0", "0100000000000000", self.request, "--yes", "--file", reply)
         self.assertEqual(reply.read_bytes(), b"abc")
+
+    def test_a_response_is_sent_and_not_answered(self):
+        result, calls = self.traced("mgmt", "respond", "0", self.request, "--argument", "9", "--yes", "-o", "json",
+                                    callback="TREL_MGMT_HBA_SEND_MGMT_RSP")
+        self.assert_exit(result, 0)
+        self.assertEqual(tool.validated("mgmt-respond", result.stdout)["response"], {"adapter": 0, "argument": 9, "bytes": 3})
+        self.assertEqual([call["in"]["arg4"] for call in calls], [9])
+
+    def test_a_response_that_fails_is_told(self):
+        path = self.scenario(tool.adapter(5), faults=[tool.fault("TREL_MGMT_HBA_SEND_MGMT_RSP", driver_status="0x0BAD0021")])
+        result = tool.run("mgmt", "respond", "0", self.request, "--yes", "-o", "json", VMKMGMT_SIM_SCENARIO=path)
+        self.assert_exit(result, 1)
+        self.assertEqual(tool.errors(result)[0]["result_name"], "DFC_MGMT_RESPONSE_BAD0021")
 
     def test_results_are_named(self):
         cases = [("0x0BAD005D", "DFC_MGMT_TOO_LONG"), ("0x0BAD0021", "DFC_MGMT_COMMAND_BAD0021"),

@@ -52,6 +52,8 @@ REFUSED = [
     (["mgmt", "send", "0", "01", "/dev/null"], "TREL_MGMT_HBA_SEND_MGMT_CMD", 'COMMAND: "01"'),
     (["mgmt", "send", "0", "0100000000000000", "/dev/null"], "TREL_MGMT_HBA_SEND_MGMT_CMD", "--yes"),
     (["mgmt", "send", "0", "0100000000000000", "/nowhere/at/all"], "TREL_MGMT_HBA_SEND_MGMT_CMD", "cannot be opened"),
+    (["mgmt", "respond", "0", "/dev/null"], "TREL_MGMT_HBA_SEND_MGMT_RSP", "--yes"),
+    (["mgmt", "respond", "0", "/dev/null", "--argument", "x", "--yes"], "TREL_MGMT_HBA_SEND_MGMT_RSP", "--argument"),
     (["rnid", "set", "0"], "TREL_MGMT_HBA_GETMGMTINFO", "nothing to set"),
     (["rnid", "set", "0", "--udp-port", "65536"], "TREL_MGMT_HBA_GETMGMTINFO", "--udp-port"),
     (["rnid", "set", "0", "--ip-address", "1"], "TREL_MGMT_HBA_GETMGMTINFO", "--ip-address"),

@@ -53,6 +53,7 @@ COMMANDS = [
     (["els", "send", "0", "0x010200", "05000000", "--yes"], "els-send"),
     (["els", "send", "0", "0x010200", "--request", "FOLDER/WORDS", "--yes", "--file", "FOLDER/reply.bin"], "els-send"),
     (["mgmt", "send", "0", "01" + 14 * "0", "FOLDER/WORDS", "--yes"], "mgmt-send"),
+    (["mgmt", "respond", "0", "FOLDER/WORDS", "--yes"], "mgmt-respond"),
     (["npiv", "status", "1"], "npiv-status"),
     (["npiv", "list", "1"], "npiv-list"),
     (["npiv", "show", "1", VIRTUAL_PORT], "npiv-show"),

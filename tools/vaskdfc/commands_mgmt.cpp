@@ -1,4 +1,4 @@
-// Commands that pass management traffic through the driver: mgmt send.
+// Commands that pass management traffic through the driver: mgmt send, mgmt respond.
 #include <fmt/format.h>
 #include <vaskdfc.h>
 
@@ -14,7 +14,8 @@
 namespace vaskdfc::tool {
 namespace {
 
-constexpr const char* kCommand = "mgmt send";
+constexpr const char* kSend = "mgmt send";
+constexpr const char* kRespond = "mgmt respond";
 
 struct Arguments {
   std::string adapter;
@@ -70,8 +71,37 @@ void send(Context& context, const Arguments& arguments) {
                         {"command", "Command", text_cell(command)},
                         {"bytes", "Bytes", number_cell(reply.size())}},
                        delivered_fields(arguments.file, reply));
-  context.print({.command = kCommand, .sections = {record_section("answer", "Answer", std::move(fields))}});
+  context.print({.command = kSend, .sections = {record_section("answer", "Answer", std::move(fields))}});
 }
+
+// --- mgmt respond
+
+struct ResponseArguments {
+  std::string adapter;
+  std::string response;
+  std::string argument = "0";
+};
+
+void respond(Context& context, const ResponseArguments& arguments) {
+  const auto response = read_file(arguments.response, DFC_SERVICE_BYTES);
+  const auto bytes = static_cast<std::uint32_t>(response.size());
+  const std::uint32_t argument = number_argument("--argument", arguments.argument);
+  const Session session;
+  const std::uint32_t adapter = session.find(arguments.adapter);
+  if (!context.may_change(fmt::format("send a management response of {} bytes through adapter {}", bytes, adapter))) return;
+  watch_driver_calls();
+  const std::uint32_t result = SendMgmtResponse(adapter, response.data(), bytes, argument);
+  if (result != DFC_OK) {
+    throw operation_failure("the management response was not sent", adapter, "SendMgmtResponse", Results::kMgmt, result);
+  }
+  context.print({.command = kRespond,
+                 .sections = {record_section("response", "Response",
+                                             {{"adapter", "Adapter", number_cell(adapter)},
+                                              {"argument", "Argument", number_cell(argument)},
+                                              {"bytes", "Bytes", number_cell(bytes)}})}});
+}
+
+constexpr const char* kArgumentHelp = "A number that the driver gets besides; 0 unless it is given";
 
 }  // namespace
 
@@ -81,12 +111,17 @@ void add_mgmt_commands(CommandLine& commands) {
   commands.group("mgmt", "Management traffic, whose meaning is the driver's", examples);
   auto arguments = std::make_shared<Arguments>();
   const Command command =
-      commands.add_for_adapter(kCommand, "Send a management command and show its reply", examples, arguments, send);
+      commands.add_for_adapter(kSend, "Send a management command and show its reply", examples, arguments, send);
   command.add_option("COMMAND", arguments->command, "What describes the command to the driver: 16 hexadecimal digits").required();
   command.add_option("REQUEST", arguments->request, "The file with the request").type_name("FILE").required();
-  command.add_option("--argument", arguments->argument, "A number that the driver gets besides; 0 unless it is given")
-      .type_name("N");
+  command.add_option("--argument", arguments->argument, kArgumentHelp).type_name("N");
   command.add_option("-f,--file", arguments->file, "Write the reply to this file").type_name("FILE");
+
+  auto response = std::make_shared<ResponseArguments>();
+  const Command responded = commands.add_for_adapter(kRespond, "Send a management response, which nothing answers",
+                                                     {"vaskdfc mgmt respond 0 response.bin --yes"}, response, respond);
+  responded.add_option("RESPONSE", response->response, "The file with the response").type_name("FILE").required();
+  responded.add_option("--argument", response->argument, kArgumentHelp).type_name("N");
 }
 
 }  // namespace vaskdfc::tool

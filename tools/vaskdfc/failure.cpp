@@ -38,6 +38,7 @@ constexpr std::array kVportNames{Name{DFC_NO_SUCH_VPORT, "DFC_NO_SUCH_VPORT"}};
 constexpr std::array kElsNames{Name{DFC_ELS_BAD000A, "DFC_ELS_BAD000A"}};
 constexpr std::array kMgmtNames{Name{DFC_MGMT_FAILED, "DFC_MGMT_FAILED"}, Name{DFC_MGMT_BAD005A, "DFC_MGMT_BAD005A"},
                                 Name{DFC_MGMT_COMMAND_BAD0021, "DFC_MGMT_COMMAND_BAD0021"},
+                                Name{DFC_MGMT_RESPONSE_BAD0021, "DFC_MGMT_RESPONSE_BAD0021"},
                                 Name{DFC_MGMT_TOO_LONG, "DFC_MGMT_TOO_LONG"}};
 
 std::string name_in(const auto& names, std::uint32_t result) {
