@@ -8,8 +8,8 @@ HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test"
                  "fcoe params get", "fcoe params set", "fcoe fcf list", "fcoe connect list", "fcoe connect add",
                  "fcoe connect remove", "fcoe connect clear", "stats", "luns", "bindings", "events", "nameserver", "rnid get",
                  "rnid set", "rnid send", "scsi inquiry", "scsi capacity", "scsi luns", "scsi read", "scsi write", "scsi raw",
-                 "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "mgmt respond", "npiv status", "npiv list", "npiv show",
-                 "npiv nodes"]
+                 "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "npiv status", "npiv list", "npiv show", "npiv nodes",
+                 "link", "nodes", "iostat", "vpd"]
 
 
 class Usage(tool.ToolTest):

@@ -1,5 +1,6 @@
 """The commands about mailboxes, regions and settings in every form, on an adapter whose region 23 holds something."""
 
+import adapter_forms_test
 import fc_forms_test
 import forms_test
 import images
@@ -48,7 +49,7 @@ class SettingForms(forms_test.Forms):
         return {"VMKMGMT_SIM_SCENARIO": self.path}
 
     def test_every_schema_is_for_a_command_that_is_tested(self):
-        tested = {name for _, name in COMMANDS + forms_test.COMMANDS + fc_forms_test.COMMANDS}
+        tested = {name for _, name in COMMANDS + forms_test.COMMANDS + fc_forms_test.COMMANDS + adapter_forms_test.COMMANDS}
         tested |= {"error", "change", "region-write", "stats-watch", "top"}
         self.assertEqual({path.name.removesuffix(".schema.json") for path in tool.SCHEMAS.iterdir()}, tested)
 

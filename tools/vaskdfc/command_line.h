@@ -180,5 +180,6 @@ void add_scsi_raw_commands(CommandLine& commands);
 void add_scsi_transfer_commands(CommandLine& commands);
 void add_els_commands(CommandLine& commands);
 void add_mgmt_commands(CommandLine& commands);
+void add_link_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -171,7 +171,7 @@ void list_forwarders(Context& context, const std::string& name) {
                               forwarders_section(forwarders.entries)}});
 }
 
-void add_params_commands(CommandLine& commands) {
+void add_fcoe_params_commands(CommandLine& commands) {
   commands.group("fcoe params", "FCoE parameters: FC-MAP and VLAN",
                  {"vaskdfc fcoe params get 0", "vaskdfc fcoe params set 0 --vlan 1002"});
   auto arguments = std::make_shared<ParamsArguments>();
@@ -192,7 +192,7 @@ void add_params_commands(CommandLine& commands) {
 void add_fcoe_commands(CommandLine& commands) {
   commands.group("fcoe", "FCoE: parameters, discovered forwarders (FCFs), forwarders to log in to",
                  {"vaskdfc fcoe params get 0", "vaskdfc fcoe fcf list 0", "vaskdfc fcoe connect list 0"});
-  add_params_commands(commands);
+  add_fcoe_params_commands(commands);
 
   commands.group("fcoe fcf", "Fibre Channel Forwarders that a port has discovered", {"vaskdfc fcoe fcf list 0"});
   auto listed = std::make_shared<std::string>();

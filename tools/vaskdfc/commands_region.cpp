@@ -11,6 +11,7 @@
 
 #include "command_line.h"
 #include "decode.h"
+#include "driver_record.h"
 #include "raw_file.h"
 #include "region_access.h"
 #include "region_fields.h"
@@ -19,8 +20,6 @@
 
 namespace vaskdfc::tool {
 namespace {
-
-using Bytes = std::span<const std::uint8_t>;
 
 struct Arguments {
   std::string adapter;
@@ -61,22 +60,6 @@ void list(Context& context, const Arguments& arguments) {
 }
 
 // --- region dump
-
-std::string ascii(Bytes bytes) {
-  std::string text;
-  for (const std::uint8_t byte : bytes) text += byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
-  return text;
-}
-
-Section lines_section(Bytes bytes) {
-  constexpr std::size_t kLineBytes = 16;
-  Section section = table_section("lines", "Lines", {{"offset", "OFFSET"}, {"bytes", "BYTES"}, {"text", "TEXT"}});
-  for (std::size_t offset = 0; offset < bytes.size(); offset += kLineBytes) {
-    const Bytes line = bytes.subspan(offset, std::min(kLineBytes, bytes.size() - offset));
-    section.records.push_back({text_cell(fmt::format("{:08x}", offset)), hex_bytes_cell(line), text_cell(ascii(line))});
-  }
-  return section;
-}
 
 void dump(Context& context, const Arguments& arguments) {
   const std::uint32_t region = number_argument("REGION", arguments.region);

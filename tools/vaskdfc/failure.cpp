@@ -1,9 +1,14 @@
 #include "failure.h"
 
 #include <fmt/format.h>
+#include <vaskdfc/access.h>
 #include <vaskdfc/fabric.h>
+#include <vaskdfc/link.h>
+#include <vaskdfc/loopback.h>
 #include <vaskdfc/mailbox.h>
+#include <vaskdfc/oas.h>
 #include <vaskdfc/regions.h>
+#include <vaskdfc/reset.h>
 #include <vaskdfc/result.h>
 #include <vaskdfc/vport.h>
 
@@ -40,6 +45,27 @@ constexpr std::array kMgmtNames{Name{DFC_MGMT_FAILED, "DFC_MGMT_FAILED"}, Name{D
                                 Name{DFC_MGMT_COMMAND_BAD0021, "DFC_MGMT_COMMAND_BAD0021"},
                                 Name{DFC_MGMT_RESPONSE_BAD0021, "DFC_MGMT_RESPONSE_BAD0021"},
                                 Name{DFC_MGMT_TOO_LONG, "DFC_MGMT_TOO_LONG"}};
+constexpr std::array kVpdNames{Name{DFC_VPD_BAD0084, "DFC_VPD_BAD0084"}, Name{DFC_VPD_FAILED, "DFC_VPD_FAILED"}};
+constexpr std::array kAccessNames{Name{DFC_ACCESS_FAILED, "DFC_ACCESS_FAILED"}, Name{DFC_ACCESS_NOT_SLI3, "DFC_ACCESS_NOT_SLI3"}};
+constexpr std::array kResetNames{Name{DFC_RESET_NO_SUCH_TYPE, "DFC_RESET_NO_SUCH_TYPE"}};
+// The other way round than everywhere else.
+constexpr std::array kInducedDumpNames{Name{DFC_DUMP_INDUCED, "DFC_DUMP_INDUCED"},
+                                       Name{DFC_DUMP_NOT_INDUCED, "DFC_DUMP_NOT_INDUCED"}};
+constexpr std::array kDumpRegionNames{Name{DFC_DUMP_REGION_BAD0014, "DFC_DUMP_REGION_BAD0014"},
+                                      Name{DFC_DUMP_REGION_BAD0003, "DFC_DUMP_REGION_BAD0003"}};
+constexpr std::array kLoopbackModeNames{Name{DFC_LOOPBACK_BAD0021, "DFC_LOOPBACK_BAD0021"},
+                                        Name{DFC_LOOPBACK_NO_SUCH_MODE, "DFC_LOOPBACK_NO_SUCH_MODE"}};
+constexpr std::array kLoopbackTestNames{Name{DFC_LOOPBACK_BAD0039, "DFC_LOOPBACK_BAD0039"},
+                                        Name{DFC_LOOPBACK_BAD000A, "DFC_LOOPBACK_BAD000A"}};
+constexpr std::array kLoopbackEndNames{Name{DFC_LOOPBACK_BAD0021, "DFC_LOOPBACK_BAD0021"}};
+constexpr std::array kOasNames{Name{DFC_OAS_BAD0010, "DFC_OAS_BAD0010"},
+                               Name{DFC_OAS_BAD000F, "DFC_OAS_BAD000F"},
+                               Name{DFC_OAS_BAD0006, "DFC_OAS_BAD0006"},
+                               Name{DFC_OAS_NO_NODES, "DFC_OAS_NO_NODES"},
+                               Name{DFC_OAS_NO_REMOTE_PORT, "DFC_OAS_NO_REMOTE_PORT"},
+                               Name{DFC_OAS_BAD0020, "DFC_OAS_BAD0020"},
+                               Name{DFC_OAS_BAD0030, "DFC_OAS_BAD0030"},
+                               Name{DFC_OAS_BAD002B, "DFC_OAS_BAD002B"}};
 
 std::string name_in(const auto& names, std::uint32_t result) {
   const auto found = std::ranges::find(names, result, &Name::first);
@@ -66,6 +92,29 @@ constexpr std::array kRegionHints{
 constexpr std::array kVportHints{
     Name{DFC_NO_SUCH_VPORT, "no virtual port has this WWN; \"vaskdfc npiv list ADAPTER\" shows those that there are"}};
 
+constexpr const char* kOlderOnly = "only adapters of SLI mode 3 or below offer this; \"vaskdfc show ADAPTER\" tells the SLI mode";
+constexpr std::array kVpdHints{
+    Name{DFC_VPD_BAD0084, "the driver has nothing under this selector; \"vaskdfc vpd ADAPTER\" shows what there is"}};
+constexpr std::array kAccessHints{Name{DFC_ACCESS_NOT_SLI3, kOlderOnly}, Name{DFC_UNSUPPORTED, kOlderOnly}};
+constexpr std::array kResetHints{Name{DFC_RESET_NO_SUCH_TYPE, "the driver offers no such reset; types 1 and 2 are always there"}};
+constexpr std::array kDumpRegionHints{
+    Name{DFC_UNSUPPORTED, "the driver has no such dump region, or the adapter is not of SLI mode 3 or below"},
+    Name{DFC_DUMP_REGION_BAD0014, "there may be no dump yet; \"vaskdfc dump induce ADAPTER\" makes one"}};
+constexpr std::array kLoopbackModeHints{
+    Name{DFC_LOOPBACK_BAD0021, "the port may be in another loopback mode; \"vaskdfc loopback end ADAPTER\" ends it"}};
+constexpr std::array kLoopbackTestHints{
+    Name{DFC_LOOPBACK_BAD000A, "nothing came back: external loopback needs a loopback plug in the port"}};
+constexpr std::array kLoopbackEndHints{Name{DFC_LOOPBACK_BAD0021, "the port was in no loopback mode"}};
+constexpr std::array kOasHints{
+    Name{DFC_OAS_BAD0010, "the initiator is no port of the adapter; \"vaskdfc npiv list ADAPTER\" shows its virtual ports"},
+    Name{DFC_OAS_BAD000F, "the port does not know the target; \"vaskdfc nodes ADAPTER\" shows whom it knows"},
+    Name{DFC_OAS_BAD0006, "the driver has no room for another rule; remove one"},
+    Name{DFC_OAS_NO_NODES, "the rule stands, but nobody knows whether the port knows the target"},
+    Name{DFC_OAS_NO_REMOTE_PORT, "the rule stands and waits: the port does not know the target yet"},
+    Name{DFC_OAS_BAD0020, "not offered by this adapter or its driver"},
+    Name{DFC_OAS_BAD0030, "the driver has OAS switched off; \"vaskdfc params list ADAPTER\" may show the parameter"},
+    Name{DFC_OAS_BAD002B, "the driver knows no such rule"}};
+
 std::string hint_for_result(Results family, std::uint32_t result) {
   switch (family) {
     case Results::kHba: return name_in(kHbaHints, result);
@@ -73,6 +122,14 @@ std::string hint_for_result(Results family, std::uint32_t result) {
     case Results::kDump: return name_in(kDumpHints, result);
     case Results::kRegion: return name_in(kRegionHints, result);
     case Results::kVport: return name_in(kVportHints, result);
+    case Results::kVpd: return name_in(kVpdHints, result);
+    case Results::kAccess: return name_in(kAccessHints, result);
+    case Results::kReset: return name_in(kResetHints, result);
+    case Results::kDumpRegion: return name_in(kDumpRegionHints, result);
+    case Results::kLoopbackMode: return name_in(kLoopbackModeHints, result);
+    case Results::kLoopbackTest: return name_in(kLoopbackTestHints, result);
+    case Results::kLoopbackEnd: return name_in(kLoopbackEndHints, result);
+    case Results::kOas: return name_in(kOasHints, result);
     default: return "";
   }
 }
@@ -123,6 +180,15 @@ std::string result_name(Results family, std::uint32_t result) {
     case Results::kVport: return own_or_common(kVportNames);
     case Results::kEls: return own_or_common(kElsNames);
     case Results::kMgmt: return own_or_common(kMgmtNames);
+    case Results::kVpd: return name_in(kVpdNames, result);
+    case Results::kAccess: return own_or_common(kAccessNames);
+    case Results::kReset: return own_or_common(kResetNames);
+    case Results::kInducedDump: return own_or_common(kInducedDumpNames);
+    case Results::kDumpRegion: return own_or_common(kDumpRegionNames);
+    case Results::kLoopbackMode: return own_or_common(kLoopbackModeNames);
+    case Results::kLoopbackTest: return own_or_common(kLoopbackTestNames);
+    case Results::kLoopbackEnd: return own_or_common(kLoopbackEndNames);
+    case Results::kOas: return own_or_common(kOasNames);
   }
   return "";
 }

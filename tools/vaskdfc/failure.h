@@ -15,7 +15,26 @@ namespace vaskdfc::tool {
 enum class Exit { kDone = 0, kFailed = 1, kUsage = 2, kNoAdapter = 3 };
 
 // Families of result codes, which give the same number different names.
-enum class Results { kStatus, kDfc, kHba, kMailbox, kDump, kRegion, kVport, kEls, kMgmt };
+enum class Results {
+  kStatus,
+  kDfc,
+  kHba,
+  kMailbox,
+  kDump,
+  kRegion,
+  kVport,
+  kEls,
+  kMgmt,
+  kVpd,
+  kAccess,
+  kReset,
+  kInducedDump,
+  kDumpRegion,
+  kLoopbackMode,
+  kLoopbackTest,
+  kLoopbackEnd,
+  kOas
+};
 
 // A result code's name; empty for a code that has none.
 std::string result_name(Results family, std::uint32_t result);

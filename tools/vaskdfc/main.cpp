@@ -20,5 +20,6 @@ int main(int argc, char** argv) {
   add_bindings_commands(commands);
   add_rnid_commands(commands);
   add_events_commands(commands);
+  add_link_commands(commands);
   return commands.run(argc, argv);
 }

@@ -1,0 +1,51 @@
+"""The commands about an adapter's insides in every form."""
+
+import forms_test
+import tool
+
+# FOLDER stands for the folder of the test, in which RULES is a file.
+COMMANDS = [
+    (["link", "1"], "link"),
+    (["link", "2"], "link"),
+    (["link", "0", "--raw"], "raw"),
+    (["nodes", "1"], "nodes"),
+    (["nodes", "2"], "nodes"),
+    (["nodes", "1", "--raw"], "raw"),
+    (["iostat", "0"], "iostat"),
+    (["iostat", "0", "--raw"], "raw"),
+    (["vpd", "0"], "vpd"),
+    (["vpd", "0", "--selector", "1"], "vpd"),
+    (["vpd", "0", "--raw"], "raw"),
+]
+
+
+class AdapterForms(forms_test.Forms):
+    """The checks of all forms, for these commands, while time stands still."""
+
+    def setUp(self):
+        super().setUp()
+        self.commands = [([word.replace("FOLDER", str(self.folder)) for word in words], name) for words, name in COMMANDS]
+        (self.folder / "RULES").write_text("match1,match2,match3,match4,prio\n*,*,*,*,1\n", encoding="utf-8")
+        self.path = self.altered_built_in(lambda scenario: scenario.update(clock={"step_ms": 0}))
+        (self.folder / "state").mkdir()
+
+    def variables(self):
+        return {"VMKMGMT_SIM_SCENARIO": self.path, "VMKMGMT_SIM_STATE": self.folder / "state"}
+
+    def run_tool(self, *arguments):
+        """Runs the tool on what the adapters hold at first, so that every form shows the same change."""
+        state = self.folder / "state"
+        kept = {file: file.read_bytes() for file in state.iterdir()}
+        result = super().run_tool(*arguments)
+        for file in set(state.iterdir()) - set(kept):
+            file.unlink()
+        for file, content in kept.items():
+            file.write_bytes(content)
+        return result
+
+    def document(self, name, arguments):
+        return tool.validated(name, self.run_tool(*arguments, "-o", "json"))
+
+
+if __name__ == "__main__":
+    tool.main()
