@@ -16,6 +16,12 @@ COMMANDS = [
     (["vpd", "0"], "vpd"),
     (["vpd", "0", "--selector", "1"], "vpd"),
     (["vpd", "0", "--raw"], "raw"),
+    (["params", "list", "0"], "params-list"),
+    (["params", "list", "3"], "params-list"),
+    (["params", "show", "0", "link_speed"], "params-show"),
+    (["params", "show", "0", "link_speed", "--raw"], "raw"),
+    (["params", "set", "0", "lun_queue_depth", "64", "--yes"], "params-set"),
+    (["params", "set", "0", "link_speed", "8", "--dry-run"], "params-set"),
 ]
 
 

@@ -9,7 +9,7 @@ HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test"
                  "fcoe connect remove", "fcoe connect clear", "stats", "luns", "bindings", "events", "nameserver", "rnid get",
                  "rnid set", "rnid send", "scsi inquiry", "scsi capacity", "scsi luns", "scsi read", "scsi write", "scsi raw",
                  "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "npiv status", "npiv list", "npiv show", "npiv nodes",
-                 "link", "nodes", "iostat", "vpd"]
+                 "link", "nodes", "iostat", "vpd", "params list", "params show", "params set"]
 
 
 class Usage(tool.ToolTest):

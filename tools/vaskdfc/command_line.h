@@ -181,5 +181,6 @@ void add_scsi_transfer_commands(CommandLine& commands);
 void add_els_commands(CommandLine& commands);
 void add_mgmt_commands(CommandLine& commands);
 void add_link_commands(CommandLine& commands);
+void add_params_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -21,5 +21,6 @@ int main(int argc, char** argv) {
   add_rnid_commands(commands);
   add_events_commands(commands);
   add_link_commands(commands);
+  add_params_commands(commands);
   return commands.run(argc, argv);
 }
