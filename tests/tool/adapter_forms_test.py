@@ -22,6 +22,16 @@ COMMANDS = [
     (["params", "show", "0", "link_speed", "--raw"], "raw"),
     (["params", "set", "0", "lun_queue_depth", "64", "--yes"], "params-set"),
     (["params", "set", "0", "link_speed", "8", "--dry-run"], "params-set"),
+    (["mem", "read", "3", "0x10", "40"], "mem-read"),
+    (["mem", "read", "3", "0", "40", "--file", "FOLDER/memory.bin"], "mem-read"),
+    (["mem", "write", "3", "0x100", "de", "adbeef", "--yes"], "mem-write"),
+    (["reg", "read", "3"], "reg-read"),
+    (["reg", "read", "3", "0x0c"], "reg-read"),
+    (["reg", "write", "3", "0x0c", "0x12345678", "--yes"], "reg-write"),
+    (["pci", "dump", "0"], "pci-dump"),
+    (["pci", "dump", "3", "--file", "FOLDER/pci.bin"], "pci-dump"),
+    (["pci", "read", "4", "0x40", "32"], "pci-read"),
+    (["pci", "write", "0", "0x3c", "0x0000010b", "--yes"], "pci-write"),
 ]
 
 

@@ -182,5 +182,7 @@ void add_els_commands(CommandLine& commands);
 void add_mgmt_commands(CommandLine& commands);
 void add_link_commands(CommandLine& commands);
 void add_params_commands(CommandLine& commands);
+void add_memory_commands(CommandLine& commands);
+void add_pci_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

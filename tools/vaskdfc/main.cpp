@@ -22,5 +22,7 @@ int main(int argc, char** argv) {
   add_events_commands(commands);
   add_link_commands(commands);
   add_params_commands(commands);
+  add_memory_commands(commands);
+  add_pci_commands(commands);
   return commands.run(argc, argv);
 }
