@@ -32,6 +32,12 @@ COMMANDS = [
     (["pci", "dump", "3", "--file", "FOLDER/pci.bin"], "pci-dump"),
     (["pci", "read", "4", "0x40", "32"], "pci-read"),
     (["pci", "write", "0", "0x3c", "0x0000010b", "--yes"], "pci-write"),
+    (["reset", "0", "--yes"], "reset"),
+    (["reset", "0", "--type", "2", "--wait", "5", "--yes"], "reset"),
+    (["reset", "0", "--dry-run"], "reset"),
+    (["dump", "induce", "3", "--wait", "5", "--yes"], "dump-induce"),
+    (["dump", "induce", "3", "--dry-run"], "dump-induce"),
+    (["dump", "region", "3"], "dump-region"),
 ]
 
 
@@ -44,6 +50,8 @@ class AdapterForms(forms_test.Forms):
         (self.folder / "RULES").write_text("match1,match2,match3,match4,prio\n*,*,*,*,1\n", encoding="utf-8")
         self.path = self.altered_built_in(lambda scenario: scenario.update(clock={"step_ms": 0}))
         (self.folder / "state").mkdir()
+        # A dump for those who ask for one; whatever else a command changes, each run begins with this.
+        self.assert_exit(tool.run("dump", "induce", "3", "--yes", **self.variables()), 0)
 
     def variables(self):
         return {"VMKMGMT_SIM_SCENARIO": self.path, "VMKMGMT_SIM_STATE": self.folder / "state"}

@@ -184,5 +184,6 @@ void add_link_commands(CommandLine& commands);
 void add_params_commands(CommandLine& commands);
 void add_memory_commands(CommandLine& commands);
 void add_pci_commands(CommandLine& commands);
+void add_reset_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -24,5 +24,6 @@ int main(int argc, char** argv) {
   add_params_commands(commands);
   add_memory_commands(commands);
   add_pci_commands(commands);
+  add_reset_commands(commands);
   return commands.run(argc, argv);
 }

@@ -26,6 +26,7 @@ Interruptible::Interruptible() {
   sigemptyset(&requests_);
   sigaddset(&requests_, SIGINT);
   sigaddset(&requests_, SIGTERM);
+  sigaddset(&requests_, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &requests_, &before_);
 }
 

@@ -11,7 +11,8 @@ namespace vaskdfc::tool {
 
 using Seconds = std::chrono::duration<double>;
 
-// While it lives, Ctrl-C and a request to terminate end a wait instead of the program, so that the command can finish in order.
+// While it lives, Ctrl-C, a request to terminate and the end of the terminal end a wait instead of the program, so that the command
+// can finish in order.
 class Interruptible {
  public:
   Interruptible();
