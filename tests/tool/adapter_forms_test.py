@@ -38,6 +38,8 @@ COMMANDS = [
     (["dump", "induce", "3", "--wait", "5", "--yes"], "dump-induce"),
     (["dump", "induce", "3", "--dry-run"], "dump-induce"),
     (["dump", "region", "3"], "dump-region"),
+    (["loopback", "run", "0", "--dry-run"], "loopback-run"),
+    (["loopback", "end", "0", "--dry-run"], "loopback-end"),
 ]
 
 

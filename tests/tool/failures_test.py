@@ -10,7 +10,8 @@ HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test"
                  "rnid set", "rnid send", "scsi inquiry", "scsi capacity", "scsi luns", "scsi read", "scsi write", "scsi raw",
                  "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "npiv status", "npiv list", "npiv show", "npiv nodes",
                  "link", "nodes", "iostat", "vpd", "params list", "params show", "params set", "mem read", "mem write",
-                 "reg read", "reg write", "pci dump", "pci read", "pci write", "reset", "dump induce", "dump region"]
+                 "reg read", "reg write", "pci dump", "pci read", "pci write", "reset", "dump induce", "dump region",
+                 "loopback run", "loopback end"]
 
 
 class Usage(tool.ToolTest):

@@ -185,5 +185,6 @@ void add_params_commands(CommandLine& commands);
 void add_memory_commands(CommandLine& commands);
 void add_pci_commands(CommandLine& commands);
 void add_reset_commands(CommandLine& commands);
+void add_loopback_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -25,5 +25,6 @@ int main(int argc, char** argv) {
   add_memory_commands(commands);
   add_pci_commands(commands);
   add_reset_commands(commands);
+  add_loopback_commands(commands);
   return commands.run(argc, argv);
 }
