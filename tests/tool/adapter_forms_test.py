@@ -40,6 +40,11 @@ COMMANDS = [
     (["dump", "region", "3"], "dump-region"),
     (["loopback", "run", "0", "--dry-run"], "loopback-run"),
     (["loopback", "end", "0", "--dry-run"], "loopback-end"),
+    (["qos", "flag", "1"], "qos-flag"),
+    (["qos", "flag", "1", "off", "--yes"], "qos-flag-set"),
+    (["qos", "list", "1"], "qos-list"),
+    (["qos", "set", "1", "FOLDER/RULES", "--yes"], "qos-set"),
+    (["qos", "speed", "1"], "qos-speed"),
 ]
 
 

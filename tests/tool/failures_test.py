@@ -11,7 +11,7 @@ HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test"
                  "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "npiv status", "npiv list", "npiv show", "npiv nodes",
                  "link", "nodes", "iostat", "vpd", "params list", "params show", "params set", "mem read", "mem write",
                  "reg read", "reg write", "pci dump", "pci read", "pci write", "reset", "dump induce", "dump region",
-                 "loopback run", "loopback end"]
+                 "loopback run", "loopback end", "qos flag", "qos list", "qos set", "qos speed"]
 
 
 class Usage(tool.ToolTest):

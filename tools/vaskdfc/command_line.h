@@ -186,5 +186,6 @@ void add_memory_commands(CommandLine& commands);
 void add_pci_commands(CommandLine& commands);
 void add_reset_commands(CommandLine& commands);
 void add_loopback_commands(CommandLine& commands);
+void add_qos_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -26,5 +26,6 @@ int main(int argc, char** argv) {
   add_pci_commands(commands);
   add_reset_commands(commands);
   add_loopback_commands(commands);
+  add_qos_commands(commands);
   return commands.run(argc, argv);
 }
