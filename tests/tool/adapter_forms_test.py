@@ -3,6 +3,8 @@
 import forms_test
 import tool
 
+ARRAY_IN_B = "50:5a:41:00:0c:00:10:03"
+
 # FOLDER stands for the folder of the test, in which RULES is a file.
 COMMANDS = [
     (["link", "1"], "link"),
@@ -45,6 +47,9 @@ COMMANDS = [
     (["qos", "list", "1"], "qos-list"),
     (["qos", "set", "1", "FOLDER/RULES", "--yes"], "qos-set"),
     (["qos", "speed", "1"], "qos-speed"),
+    (["oas", "list", "1", ARRAY_IN_B], "oas-list"),
+    (["oas", "add", "1", ARRAY_IN_B, "3", "--yes"], "oas-add"),
+    (["oas", "remove", "1", ARRAY_IN_B, "1", "--yes"], "oas-remove"),
 ]
 
 

@@ -187,5 +187,6 @@ void add_pci_commands(CommandLine& commands);
 void add_reset_commands(CommandLine& commands);
 void add_loopback_commands(CommandLine& commands);
 void add_qos_commands(CommandLine& commands);
+void add_oas_commands(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

@@ -27,5 +27,6 @@ int main(int argc, char** argv) {
   add_reset_commands(commands);
   add_loopback_commands(commands);
   add_qos_commands(commands);
+  add_oas_commands(commands);
   return commands.run(argc, argv);
 }
