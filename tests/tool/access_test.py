@@ -86,6 +86,7 @@ class Registers(AccessTest):
         self.assertEqual(tool.validated("reg-write", result.stdout)["write"]["verified"], False)
         error, = tool.errors(result)
         self.assertIn("holds something else than was written: Register 0x08 0x0000003f", error["message"])
+        self.assertEqual((error["driver_status"], error["result"]), ("0x00000000", 0))
 
     def test_a_register_that_does_not_exist_is_a_failure(self):
         error, = tool.errors(tool.run("reg", "read", OLDER, "0x40", "-o", "json"))

@@ -18,9 +18,12 @@ struct Notes {
 };
 Notes notes;
 
+// A driver refuses this query where there are no extended configuration mailboxes, and no operation fails for that.
+constexpr std::uint64_t kExtendedMailboxQuery = 157;
+
 void take_note(const DriverCall& call) {
   notes.last = call;
-  if (call.failed()) notes.last_failed = call;
+  if (call.failed() && call.callback != kExtendedMailboxQuery) notes.last_failed = call;
   for (const auto& observer : notes.observers) observer(call);
 }
 
