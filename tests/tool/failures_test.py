@@ -8,10 +8,11 @@ HELP_COMMANDS = ["list", "show", "ports", "version", "log-message", "event-test"
                  "fcoe params get", "fcoe params set", "fcoe fcf list", "fcoe connect list", "fcoe connect add",
                  "fcoe connect remove", "fcoe connect clear", "stats", "luns", "bindings", "events", "nameserver", "rnid get",
                  "rnid set", "rnid send", "scsi inquiry", "scsi capacity", "scsi luns", "scsi read", "scsi write", "scsi raw",
-                 "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "npiv status", "npiv list", "npiv show", "npiv nodes",
-                 "link", "nodes", "iostat", "vpd", "params list", "params show", "params set", "mem read", "mem write", "reg read",
-                 "reg write", "pci dump", "pci read", "pci write", "reset", "dump induce", "dump region", "loopback run",
-                 "loopback end", "qos flag", "qos list", "qos set", "qos speed", "oas list", "oas add", "oas remove"]
+                 "fcp raw", "ct send", "ct raw", "els send", "mgmt send", "mgmt respond", "npiv status", "npiv list",
+                 "npiv show", "npiv nodes", "link", "nodes", "iostat", "vpd", "params list", "params show", "params set",
+                 "mem read", "mem write", "reg read", "reg write", "pci dump", "pci read", "pci write", "reset", "dump induce",
+                 "dump region", "loopback run", "loopback end", "qos flag", "qos list", "qos set", "qos speed", "oas list",
+                 "oas add", "oas remove"]
 
 
 class Usage(tool.ToolTest):
