@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iostream>
 #include <utility>
@@ -48,12 +49,17 @@ void show_driver_call(const DriverCall& call) {
                            call.header.brdno, call.platform_status, call.header.status, call.duration.count());
 }
 
+struct NamedForm {
+  const char* name;
+  Form form;
+};
+constexpr std::array kForms{NamedForm{"table", Form::kTable}, NamedForm{"json", Form::kJson}, NamedForm{"csv", Form::kCsv},
+                            NamedForm{"keyvalue", Form::kKeyValue}};
+
 Form form_named(const std::string& name) {
-  static const std::map<std::string, Form> forms{
-      {"table", Form::kTable}, {"json", Form::kJson}, {"csv", Form::kCsv}, {"keyvalue", Form::kKeyValue}};
-  const auto form = forms.find(name);
-  if (form != forms.end()) return form->second;
-  throw CLI::ValidationError("--output", fmt::format("\"{}\" is none of table, json, csv, keyvalue", name));
+  const auto* const form = std::ranges::find_if(kForms, [&](const NamedForm& each) { return each.name == name; });
+  if (form != kForms.end()) return form->form;
+  throw CLI::ValidationError("--output", fmt::format("\"{}\" is none of {}", name, names_of(kForms, ", ")));
 }
 
 std::string version_text() {
@@ -135,7 +141,7 @@ Argument Argument::required(bool required) const {
   return *this;
 }
 
-Argument Argument::type_name(const char* name) const {
+Argument Argument::type_name(const std::string& name) const {
   option_.type_name(name);
   return *this;
 }
@@ -181,8 +187,8 @@ CommandLine::CommandLine()
     : app_(std::make_unique<CLI::App>("Diagnostics and management of Fibre Channel and FCoE host bus adapters.", "vaskdfc")) {
   app_->add_option_function<std::string>(
           "-o,--output", [this](const std::string& name) { options_.output.form = form_named(name); },
-          "Form of output: table (default), json, csv, keyvalue")
-      ->type_name("FORM");
+          fmt::format("Form of output, {} unless it is given", kForms.front().name))
+      ->type_name(names_of(kForms, "|"));
   app_->add_flag_callback(
       "--no-header", [this] { options_.output.header = false; }, "Leave out the titles of tables and the first line of CSV");
   app_->add_flag("--yes", options_.yes, "Do not ask before something changes");
@@ -223,6 +229,8 @@ Command CommandLine::add(const std::string& name, const std::string& summary, co
   command.callback([this, action = std::move(action)] { action_ = action; });
   return Command(command);
 }
+
+std::vector<CommandDefinition> CommandLine::definitions() const { return definitions_of(*app_); }
 
 int CommandLine::run(int argc, const char* const* argv) {
   try {

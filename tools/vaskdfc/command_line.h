@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "command_definitions.h"
 #include "failure.h"
 #include "output.h"
 
@@ -67,8 +68,9 @@ class Argument {
   explicit Argument(CLI::Option& option) : option_(option) {}
 
   Argument required(bool required = true) const;
-  // What stands for the value in help texts.
-  Argument type_name(const char* name) const;
+  // What stands for the value in help texts: "FILE" for the name of a file, "on|off" for one of these values, "ADAPTER|all" for any
+  // adapter's name or this value. Shells complete it accordingly.
+  Argument type_name(const std::string& name) const;
   // How many values it takes.
   Argument expected(int least, int most) const;
   Argument excludes(const Argument& other) const;
@@ -94,6 +96,13 @@ class Command {
  private:
   CLI::App& app_;
 };
+
+// The names of records, as messages and type names list them.
+std::string names_of(const auto& named, const std::string& separator) {
+  std::string names;
+  for (const auto& each : named) names += (names.empty() ? "" : separator) + each.name;
+  return names;
+}
 
 // How help texts describe the argument that names an adapter.
 inline constexpr const char* kAdapterHelp = "Adapter: its index, or its port WWN in any usual spelling";
@@ -127,6 +136,9 @@ class CommandLine {
     command.add_option("ADAPTER", adapter_in(*arguments), kAdapterHelp).required();
     return command;
   }
+
+  // The tool's options, and all commands that were added.
+  std::vector<CommandDefinition> definitions() const;
 
   // Runs the command that the arguments name and returns the exit code.
   int run(int argc, const char* const* argv);
@@ -188,5 +200,6 @@ void add_reset_commands(CommandLine& commands);
 void add_loopback_commands(CommandLine& commands);
 void add_qos_commands(CommandLine& commands);
 void add_oas_commands(CommandLine& commands);
+void add_completion_command(CommandLine& commands);
 
 }  // namespace vaskdfc::tool

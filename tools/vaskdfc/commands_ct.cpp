@@ -177,7 +177,7 @@ void add_ct_commands(CommandLine& commands) {
   const Command sent =
       commands.add_for_adapter("ct send", "Ask the name server",
                                {"vaskdfc ct send 0 gid_ft 8", "vaskdfc ct send 0 gid_pn 50:5a:41:00:0c:00:20:01"}, arguments, send);
-  sent.add_option("QUERY", arguments->query, queries_help()).required();
+  sent.add_option("QUERY", arguments->query, queries_help()).type_name(names_of(kNameQueries, "|")).required();
   sent.add_option("KEY", arguments->key, "A port id, a WWN, or the number of an FC-4 type").required();
   const Command passed = commands.add_for_adapter("ct raw", "Send the CT request that a file holds, preamble and all",
                                                   {"vaskdfc ct raw 0 request.bin --yes --file reply.bin"}, arguments, raw);

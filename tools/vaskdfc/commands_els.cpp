@@ -202,7 +202,7 @@ void add_els_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
   const Command command = commands.add_for_adapter(kCommand, "Ask another port", examples, arguments, send);
   command.add_option("PORT", arguments->port, "Port WWN, or FC id").required();
-  command.add_option("REQUEST", arguments->request, requests_help());
+  command.add_option("REQUEST", arguments->request, requests_help()).type_name(names_of(kNamedRequests, "|") + "|WORD");
   command.add_option("--request", arguments->request_file, "Send the bytes of this file").type_name("FILE");
   command.add_option("-f,--file", arguments->file, "Write the reply to this file").type_name("FILE");
 }

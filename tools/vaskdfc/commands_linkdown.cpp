@@ -69,7 +69,7 @@ void add_linkdown_commands(CommandLine& commands) {
   const Command command =
       commands.add_for_adapter("linkdown set", "Keep the link down across restarts (on), or do not (off)",
                                {"vaskdfc linkdown set 0 on", "vaskdfc linkdown set 0 off --yes"}, arguments, set);
-  command.add_option("VALUE", arguments->value, "on or off").required();
+  command.add_option("VALUE", arguments->value, "Whether it does").type_name("on|off").required();
 }
 
 }  // namespace vaskdfc::tool

@@ -152,7 +152,8 @@ void add_region_commands(CommandLine& commands) {
   commands
       .add_for_adapter("region show", "Show what a region holds, record by record",
                        {"vaskdfc region show 0 23", "vaskdfc region show 3 22"}, arguments, show)
-      .add_option("REGION", arguments->region, "22 or 23")
+      .add_option("REGION", arguments->region, "Number of the region")
+      .type_name("22|23")
       .required();
 
   const Command dumped =

@@ -144,12 +144,14 @@ void add_region_write_commands(CommandLine& commands) {
   const Command initialised =
       commands.add_for_adapter("region init", "Write the initial image to a region",
                                {"vaskdfc region init 0 23", "vaskdfc region init 0 22 --dry-run"}, arguments, init);
-  initialised.add_option("REGION", arguments->region, "22: no entries; 23: FCoE defaults, link allowed up").required();
+  initialised.add_option("REGION", arguments->region, "22: no entries; 23: FCoE defaults, link allowed up")
+      .type_name("22|23")
+      .required();
 
   const Command written = commands.add_for_adapter(
       "region write", "Write a whole image to a region",
       {"vaskdfc region write 0 14 --file region14.bin", "vaskdfc region write 3 22 --file region22.bin"}, arguments, write);
-  written.add_option("REGION", arguments->region, "14 or 22").required();
+  written.add_option("REGION", arguments->region, "Number of the region").type_name("14|22").required();
   written
       .add_option("-f,--file", arguments->file,
                   fmt::format("The image: {} bytes for region 14; {} bytes with the signature {} for region 22", DFC_REGION14_BYTES,

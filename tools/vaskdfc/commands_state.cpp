@@ -185,11 +185,12 @@ void add_state_commands(CommandLine& commands) {
       "set-state", "Set the diagnostic state of an adapter, or of all of them until one fails",
       {"vaskdfc set-state 0 0          # asks for the state", "vaskdfc set-state 0 1 --yes", "vaskdfc set-state all 3 --dry-run"},
       [arguments](Context& context) { run(context, *arguments); });
-  command.add_option("ADAPTER", arguments->adapter, std::string(kAdapterHelp) + "; or \"all\"").required();
+  command.add_option("ADAPTER", arguments->adapter, std::string(kAdapterHelp) + "; or \"all\"").type_name("ADAPTER|all").required();
   command
       .add_option("MODE", arguments->mode,
                   fmt::format("{}: {} shows the state, {} sets it once the adapter is ready", fmt::join(kModes, ", "), kReportMode,
                               DFC_MODE_WAITING))
+      .type_name(fmt::format("{}", fmt::join(kModes, "|")))
       .required();
 }
 

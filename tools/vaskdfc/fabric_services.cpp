@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include "command_line.h"
+
 namespace vaskdfc::tool {
 
 std::vector<std::uint8_t> ask_service(std::uint32_t adapter, Bytes request) {
@@ -34,9 +36,7 @@ Failure service_rejection(std::uint32_t adapter, const CtAnswer& answer) {
 const NameQuery& name_query(const std::string& name) {
   const auto found = std::ranges::find_if(kNameQueries, [&](const NameQuery& query) { return query.name == name; });
   if (found != kNameQueries.end()) return *found;
-  std::vector<std::string> names;
-  for (const NameQuery& query : kNameQueries) names.emplace_back(query.name);
-  throw usage_failure(fmt::format("QUERY: \"{}\" is none of {}", name, fmt::join(names, ", ")));
+  throw usage_failure(fmt::format("QUERY: \"{}\" is none of {}", name, names_of(kNameQueries, ", ")));
 }
 
 std::uint32_t registered_fc_id(std::uint32_t adapter, const HbaWwn& port) {

@@ -28,5 +28,6 @@ int main(int argc, char** argv) {
   add_loopback_commands(commands);
   add_qos_commands(commands);
   add_oas_commands(commands);
+  add_completion_command(commands);
   return commands.run(argc, argv);
 }
