@@ -113,7 +113,7 @@ uint32_t WritePciCfg(uint32_t board, void* data, uint32_t offset, uint32_t count
 
 /**
  * Brings PCI configuration data from the host's byte order to the adapter's, which is little-endian, or back: in place, in whole
- * words of 4 bytes. Changes nothing on a little-endian host, which every supported host is.
+ * words of 4 bytes. Changes nothing on a little-endian host, which every supported host is. No driver call.
  *
  * @param data   `count` bytes
  * @param count  bytes

@@ -111,7 +111,7 @@ uint32_t SetBrdEnv(uint32_t board, uint32_t mode);
 uint32_t SetDiagEnv(uint32_t mode);
 
 /**
- * Ends one use of the library. The call that matches the first initialisation destroys the management handle.
+ * Ends one use of the library. The call that matches the first initialisation destroys the management handle. No driver call.
  *
  * @return 0
  */
@@ -121,7 +121,7 @@ uint32_t DFC_FreeDiagEnv(void);
 uint32_t FreeDiagEnv(void);
 
 /**
- * Writes a time of day as the log does: UTC, "1970-01-01T00:00:00", by the library's own calendar.
+ * Writes a time of day as the log does: UTC, "1970-01-01T00:00:00", by the library's own calendar. No driver call.
  *
  * The calendar differs from the usual one on purpose: a time exactly on a month or year boundary stays in the earlier period
  * ("1970-12-32T00:00:00"), and a year's length is decided by the year after it, so that a leap year's dates come out one day
@@ -136,7 +136,7 @@ uint32_t FreeDiagEnv(void);
 int trel_GetTimeOfDay(const void* time, char* buffer, size_t size);
 
 /**
- * Tells a leap year.
+ * Tells a leap year. No driver call.
  *
  * @param year  Gregorian year
  * @return 1 for a leap year, else 0
