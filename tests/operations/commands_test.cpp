@@ -18,7 +18,9 @@ struct Exchange {
   std::uint32_t response_bytes = 160;
 
   std::uint32_t big_endian_word(std::size_t at) const {
-    return std::uint32_t{data[at]} << 24 | data[at + 1] << 16 | data[at + 2] << 8 | data[at + 3];
+    std::uint32_t word = 0;
+    for (std::size_t i = at; i < at + sizeof(word); ++i) word = word << 8 | data[i];
+    return word;
   }
 };
 

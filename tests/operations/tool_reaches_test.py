@@ -35,7 +35,8 @@ class Reaches(tool.ToolTest):
         super().setUp()
         self.imported = imported_by_the_tool()
         for name, content in {"region14.bin": bytes(images.REGION14_BYTES), "region22.bin": images.region22(bytes(16)),
-                              "block.bin": bytes(512), "request.bin": b"request"}.items():
+                              "block.bin": bytes(512), "request.bin": b"request",
+                              "rules.csv": b"match1,match2,match3,match4,prio\n*,*,*,*,5\n"}.items():
             (self.folder / name).write_bytes(content)
 
     def called_by(self, reach):

@@ -259,13 +259,12 @@ void add_loopback_commands(CommandLine& commands) {
        "vaskdfc loopback run 0 --file frames.bin --yes"},
       arguments, run);
   command.add_option("--mode", arguments->mode, "internal (1), the default, or external (2), which needs a loopback plug")
-      .type_name("MODE");
+      .type_name("internal|external");
   command.add_option("--size", arguments->size, "Bytes of a test; 2048, or as many as the file has, unless it is given")
       .type_name("N");
   command.add_option("--count", arguments->count, "How many tests; 1 unless it is given").type_name("N");
-  const auto pattern =
-      command.add_option("--pattern", arguments->pattern, fmt::format("What to send: {}", fmt::join(pattern_names(), ", ")))
-          .type_name("PATTERN");
+  const auto pattern = command.add_option("--pattern", arguments->pattern, "What to send")
+                           .type_name(fmt::format("{}", fmt::join(pattern_names(), "|")));
   command.add_option("-f,--file", arguments->file, "Send the bytes of this file, again and again")
       .type_name("FILE")
       .excludes(pattern);

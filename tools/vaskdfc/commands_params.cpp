@@ -129,6 +129,7 @@ void add_params_commands(CommandLine& commands) {
   command("params set", "Change a parameter",
           {"vaskdfc params set 0 lun_queue_depth 64", "vaskdfc params set 0 link_speed default --yes"}, set)
       .add_option("VALUE", arguments->value, "The new value, or \"default\"")
+      .type_name("VALUE|default")
       .required();
 }
 

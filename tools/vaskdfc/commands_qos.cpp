@@ -153,13 +153,15 @@ void add_qos_commands(CommandLine& commands) {
   commands
       .add_for_adapter("qos flag", "Show whether the rules count, or set it", {"vaskdfc qos flag 0", "vaskdfc qos flag 0 on --yes"},
                        arguments, flag)
-      .add_option("VALUE", arguments->value, "on, off, or a number for the driver");
+      .add_option("VALUE", arguments->value, "Whether they do, or a number for the driver")
+      .type_name("on|off|NUMBER");
   commands.add_for_adapter("qos list", "List the rules in the driver's order",
                            {"vaskdfc qos list 0", "vaskdfc qos list 0 -o csv > rules.csv"}, arguments, list);
   const Command command = commands.add_for_adapter(
       "qos set", "Replace the rules by those of a file; the most specific ones go first, and each group is turned round",
       {"vaskdfc qos set 0 rules.csv --dry-run", "vaskdfc qos set 0 rules.json --keep-order"}, arguments, set);
   command.add_option("FILE", arguments->file, "CSV with the columns match1 to match4 and prio, or JSON if it is named *.json")
+      .type_name("FILE")
       .required();
   command.add_flag("--keep-order", arguments->keep_order,
                    "Turn the rules round first, so that each group keeps its order in the file");

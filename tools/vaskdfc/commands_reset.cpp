@@ -176,8 +176,7 @@ void add_reset_commands(CommandLine& commands) {
   auto arguments = std::make_shared<Arguments>();
   const Command command = commands.add_for_adapter(
       "reset", "Reset an adapter", {"vaskdfc reset 0 --wait 30", "vaskdfc reset 0 --type 2 --yes"}, arguments, reset);
-  command.add_option("--type", arguments->type, "1, 2 or 3, which the driver gives their meaning; 1 unless it is given")
-      .type_name("N");
+  command.add_option("--type", arguments->type, "Which of the driver's resets; 1 unless it is given").type_name("1|2|3");
   command.add_option("--wait", arguments->wait, "Wait until the adapter is back, so long at most").type_name("SECONDS");
   add_dump_commands(commands);
 }
