@@ -59,7 +59,7 @@ class Completion(tool.ToolTest):
 
     def test_options_of_the_tool_follow_every_command(self):
         self.assert_offered("vaskdfc npiv list 0 --", GLOBAL_OPTIONS)
-        self.assert_offered("vaskdfc luns 0 --", [*GLOBAL_OPTIONS, "--tree"])
+        self.assert_offered("vaskdfc luns 0 --", [*GLOBAL_OPTIONS, "--by-library", "--tree"])
 
     def test_the_values_of_an_option_are_offered(self):
         self.assert_offered("vaskdfc list --output ", tool.FORMS)

@@ -44,6 +44,18 @@ class Units(tool.ToolTest):
         self.assertEqual([unit["problem"] for unit in units], [None, "cannot be asked: HBA_STATUS_ERROR", None])
         self.assertEqual([unit["identifier"] is None for unit in units], [False, True, False])
 
+    def test_the_library_takes_only_what_comes_first_in_an_answer(self):
+        units = self.mapped([{"lun": 0, "blocks": 8}, {"lun": 1, "blocks": 8, "identifier": "unusable"}],
+                            arguments=["--by-library"])
+        self.assertRegex(units[0]["identifier"], r"^naa\.6[0-9a-f]{31}$")
+        self.assertEqual([(unit["lun"], unit["problem"]) for unit in units], [("0", None), ("1", "tells no identifier")])
+        self.assertEqual([unit["identifier"] is None for unit in units], [False, True])
+
+    def test_the_librarys_own_mapping_may_fail(self):
+        path = self.scenario(tool.adapter(5), faults=[tool.fault("TREL_MGMT_HBA_FCPTARGETMAPPING", driver_status="0x0BAD0004")])
+        error, = tool.errors(tool.run("luns", "0", "--by-library", "-o", "json", VMKMGMT_SIM_SCENARIO=path))
+        self.assertEqual((error["operation"], error["result_name"]), ("DFC_GetFcpTargetMappingV2", "HBA_STATUS_ERROR"))
+
     def test_a_tree_names_each_port_once(self):
         units = [[{"lun": 0, "count": 2, "blocks": 8}], [{"lun": 5, "count": 2, "blocks": 8}]]
         path = self.scenario(tool.adapter(5), ports=ports_with(*units))

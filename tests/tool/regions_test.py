@@ -133,8 +133,9 @@ class Reading(RegionTest):
         document = self.shown(image[:504] + b"lasthalf", 22)
         self.assertEqual([(entry["position"], entry["offset"]) for entry in document["entries"]], [(0, 8), (2, 40), (31, 504)])
         self.assertEqual(bytes.fromhex(document["entries"][1]["bytes"]), b"third-of-them..!")
-        self.assertEqual(document["image"]["head"], "01 00 00 00")
-        self.assertEqual(self.shown(images.region23()[:512], 22)["image"]["problem"], "the signature is not RG22")
+        self.assertEqual((document["image"]["head"], document["image"]["used"]), ("01 00 00 00", True))
+        other = self.shown(images.region23()[:512], 22)["image"]
+        self.assertEqual((other["problem"], other["used"]), ("the signature is not RG22", False))
 
     def test_bytes_of_a_driver_gone_wild_are_shown_all_the_same(self):
         for seed in range(8):

@@ -18,18 +18,14 @@ namespace {
 struct Arguments {
   std::string adapter;
   bool tree = false;
-};
-
-struct Unit {
-  HbaFcpScsiEntry entry;
-  Identification identification;
+  bool by_library = false;
 };
 
 // One after another, and each may take its time.
-std::vector<Unit> identified_units(std::uint32_t adapter) {
+std::vector<MappedUnit> identified_units(std::uint32_t adapter) {
   const auto entries = read_mapping(adapter);
   Progress progress("asking units", entries.size());
-  std::vector<Unit> units;
+  std::vector<MappedUnit> units;
   for (const HbaFcpScsiEntry& entry : entries) {
     progress.reached(units.size());
     units.push_back({entry, identify(adapter, entry)});
@@ -42,7 +38,7 @@ std::string address_text(const HbaScsiId& scsi) {
   return fmt::format("{}:{}:{}", scsi.ScsiBusNumber, scsi.ScsiTargetNumber, scsi.ScsiOSLun);
 }
 
-Record unit_record(const Unit& unit) {
+Record unit_record(const MappedUnit& unit) {
   const HbaScsiId& scsi = unit.entry.ScsiId;
   const auto& [designator, problem] = unit.identification;
   return {wwn_cell(unit.entry.FcpId.PortWWN),
@@ -76,7 +72,9 @@ void luns(Context& context, const Arguments& arguments) {
                                    {"os_device_name", "DEVICE"},
                                    {"identifier", "IDENTIFIER"},
                                    {"problem", "PROBLEM"}});
-  for (const Unit& unit : identified_units(session.find(arguments.adapter))) section.records.push_back(unit_record(unit));
+  const std::uint32_t adapter = session.find(arguments.adapter);
+  const auto units = arguments.by_library ? read_mapping_by_library(adapter) : identified_units(adapter);
+  for (const MappedUnit& unit : units) section.records.push_back(unit_record(unit));
   if (arguments.tree) make_tree(section.records);
   context.print({.command = "luns", .sections = {std::move(section)}});
 }
@@ -89,6 +87,8 @@ void add_luns_commands(CommandLine& commands) {
       commands.add_for_adapter("luns", "List the logical units that the driver has mapped, with their identifiers",
                                {"vaskdfc luns 0", "vaskdfc luns 0 --tree", "vaskdfc luns 0 -o json"}, arguments, luns);
   command.add_flag("--tree", arguments->tree, "Group the units by target port");
+  command.add_flag("--by-library", arguments->by_library,
+                   "Let the library ask the units, as applications do; it takes only what comes first in an answer");
 }
 
 }  // namespace vaskdfc::tool

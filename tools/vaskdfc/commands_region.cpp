@@ -3,6 +3,7 @@
 #include <vaskdfc.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -79,7 +80,7 @@ void dump(Context& context, const Arguments& arguments) {
 // --- region show
 
 // Whether the library takes the image as it is; it puts its default in the place of one that it does not.
-bool is_used_as_it_is(std::uint32_t adapter, std::uint32_t sli_mode, Bytes read) {
+bool is_region23_used(std::uint32_t adapter, std::uint32_t sli_mode, Bytes read) {
   std::uint8_t* image = nullptr;
   std::uint32_t size = 0;
   const std::uint32_t result = GetRegion23(adapter, &image, &size, sli_mode);
@@ -91,7 +92,7 @@ Cell problem_cell(const std::string& problem) { return problem.empty() ? absent(
 
 void show23(Context& context, std::uint32_t adapter, const RegionRead& read) {
   const Region23Image image = parse_region23(read.bytes);
-  const bool used = is_used_as_it_is(adapter, read_driver(adapter).sli_mode, read.bytes);
+  const bool used = is_region23_used(adapter, read_driver(adapter).sli_mode, read.bytes);
   Section records = table_section(
       "records", "Records",
       {{"offset", "OFFSET"}, {"type", "TYPE"}, {"name", "NAME"}, {"length", "LENGTH"}, {"flags", "FLAGS"}, {"fields", "FIELDS"}});
@@ -113,6 +114,13 @@ void show23(Context& context, std::uint32_t adapter, const RegionRead& read) {
                               std::move(records)}});
 }
 
+// Whether the library takes the image; it begins a blank one in the place of one that it does not.
+bool is_region22_used(std::uint32_t adapter) {
+  std::array<dfc_region22_entry, DFC_REGION22_ENTRIES> entries{};
+  std::uint32_t count = 0;
+  return DFC_GetRegion22(adapter, entries.data(), &count) == DFC_OK;
+}
+
 void show22(Context& context, std::uint32_t adapter, const RegionRead& read) {
   const Region22Image image = parse_region22(read.bytes);
   Section entries =
@@ -128,6 +136,7 @@ void show22(Context& context, std::uint32_t adapter, const RegionRead& read) {
                                               {"bytes", "Bytes", number_cell(read.bytes.size())},
                                               {"signature", "Signature", text_cell(image.signature)},
                                               {"head", "Bytes 4-7", image.head.empty() ? absent() : hex_bytes_cell(image.head)},
+                                              {"used", "Used as it is", flag_cell(is_region22_used(adapter))},
                                               {"problem", "Problem", problem_cell(image.problem)}}),
                               std::move(entries)}});
 }

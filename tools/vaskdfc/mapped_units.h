@@ -23,6 +23,15 @@ struct Identification {
 };
 Identification identify(std::uint32_t adapter, const HbaFcpScsiEntry& unit);
 
+struct MappedUnit {
+  HbaFcpScsiEntry entry;
+  Identification identification;
+};
+
+// The mapping as the library makes it, which asks every unit itself and takes only what comes first in a unit's answer. It does not
+// say why a unit has no identifier. A Failure where the mapping cannot be read.
+std::vector<MappedUnit> read_mapping_by_library(std::uint32_t adapter);
+
 // The designator of the unit itself that is known to be the most unique: NAA, EUI, T10, SCSI name, others.
 std::optional<Designator> best_designator(const std::vector<Designator>& designators);
 
