@@ -17,7 +17,7 @@ bool holds_link_up(const AdapterState& state) {
 
 AdapterState change_link(Adapter& adapter, const std::function<void(AdapterState&)>& changes) {
   const bool was_up = holds_link_up(adapter.state());
-  const AdapterState state = adapter.change(changes);
+  AdapterState state = adapter.change(changes);
   const bool is_up = holds_link_up(state);
   if (was_up && !is_up) tell_link(adapter, scenario::Event::Code::kLinkDown);
   if (is_up && !was_up) tell_link(adapter, scenario::Event::Code::kLinkUp);
@@ -28,7 +28,7 @@ AdapterState restart(BoardCall& call) {
   Adapter& adapter = call.adapter;
   const bool was_up = holds_link_up(adapter.state());
   adapter.parameters().restart();
-  const AdapterState state = adapter.change([&](AdapterState& changed) {
+  AdapterState state = adapter.change([&](AdapterState& changed) {
     changed.diagnostic_state = DiagnosticState::kOnline;
     changed.loopback = LoopbackMode::kNone;
     changed.not_ready_reports = adapter.card().not_ready_reports;

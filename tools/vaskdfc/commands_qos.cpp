@@ -127,7 +127,7 @@ void set(Context& context, const Arguments& arguments) {
 // --- qos speed
 
 void speed(Context& context, const Arguments& arguments) {
-  constexpr std::uint32_t kMegabits = 10;  // the library's unit, where the driver's is a megabit a second
+  constexpr std::uint64_t kMegabits = 10;  // the library's unit, where the driver's is a megabit a second
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   std::uint16_t value = 0;

@@ -63,11 +63,11 @@ void for_each_part(const std::string& what, const Range& range, Move move) {
 }
 
 std::vector<std::uint8_t> read_blocks(const UnitAddress& unit, std::uint32_t block, std::uint32_t blocks) {
-  const Answer answer =
-      ask(unit, "SendScsiRead", blocks * kBlockBytes, [&](void* data, std::uint32_t* bytes, void* sense, std::uint32_t* senses) {
-        return SendScsiRead(unit.adapter, &unit.target, lun_in_memory(unit.lun), block, data, bytes, sense, senses);
-      });
-  if (completed(unit, answer).data.size() == blocks * kBlockBytes) return answer.data;
+  const std::uint32_t room = blocks * kBlockBytes;
+  const Answer answer = ask(unit, "SendScsiRead", room, [&](void* data, std::uint32_t* bytes, void* sense, std::uint32_t* senses) {
+    return SendScsiRead(unit.adapter, &unit.target, lun_in_memory(unit.lun), block, data, bytes, sense, senses);
+  });
+  if (completed(unit, answer).data.size() == room) return answer.data;
   throw operation_failure(fmt::format("{} bytes came of {} blocks", answer.data.size(), blocks), unit.adapter, answer.operation,
                           Results::kHba, HBA_STATUS_OK);
 }

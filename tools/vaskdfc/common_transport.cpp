@@ -70,7 +70,7 @@ std::vector<std::uint8_t> name_request(const NameQuery& query, Bytes key) {
 
 std::optional<CtAnswer> parse_ct_answer(Bytes bytes) {
   if (bytes.size() < kPreamble) return std::nullopt;
-  const auto code = number_at<std::uint16_t>(bytes, 8);
+  const std::uint16_t code = number_at<std::uint16_t>(bytes, 8).value_or(0);
   if (code != kAccept && code != kReject) return std::nullopt;
   return CtAnswer{code == kAccept, bytes[13], bytes[14], part(bytes, kPreamble)};
 }
