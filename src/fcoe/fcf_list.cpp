@@ -28,7 +28,7 @@ bool is_blank(const FcfReply& reply) {
 fcf_entry entry_of(const FcfReply& reply) {
   fcf_entry entry{.name_0 = reply.name_20,
                   .name_8 = reply.name_548,
-                  .flag_22 = reply.byte_18 == 1,
+                  .flag_22 = reply.byte_18 == 1 ? uint16_t{1} : uint16_t{0},
                   .word_540 = reply.word_4,
                   .word_548 = reply.word_8};
   std::ranges::copy(reply.mac_address, entry.macAddress);

@@ -69,7 +69,7 @@ HostBuffers host_buffers(const Mailbox& mailbox) {
 // Host addresses are 32-bit words; on 64-bit systems they name memory below 4 GiB.
 template <typename T>
 T* at_address(uint32_t address) {
-  return reinterpret_cast<T*>(static_cast<uintptr_t>(address));  // NOLINT(performance-no-int-to-ptr)
+  return reinterpret_cast<T*>(static_cast<uintptr_t>(address));  // NOLINT(performance-no-int-to-ptr): a mailbox holds numbers
 }
 
 }  // namespace

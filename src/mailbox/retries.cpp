@@ -15,7 +15,7 @@ using namespace vaskdfc;
 
 namespace {
 
-constexpr uint32_t whole_seconds(uint32_t milliseconds) { return milliseconds / 1000 + (milliseconds % 1000 != 0); }
+constexpr uint32_t whole_seconds(uint32_t milliseconds) { return milliseconds / 1000 + (milliseconds % 1000 != 0 ? 1 : 0); }
 static_assert(whole_seconds(0) == 0 && whole_seconds(1) == 1 && whole_seconds(1001) == 2);
 
 // The result that ends the attempts; nothing while the driver is busy.

@@ -85,7 +85,8 @@ uint32_t DFC_SetRegion22(uint32_t board, const dfc_region22_entry* entries, uint
     if (const uint32_t result = write_image(board, type, *image); result != DFC_OK) return result;
   }
   const std::size_t bytes = std::min(count, DFC_REGION22_ENTRIES) * sizeof(*entries);
-  std::copy_n(entries->bytes, std::min(bytes, sizeof(image->entries)), image->entries);
+  const auto* const first = reinterpret_cast<const uint8_t*>(entries);  // may be null where there are none
+  std::copy_n(first, std::min(bytes, sizeof(image->entries)), image->entries);
   return write_image(board, type, *image);
 }
 

@@ -15,7 +15,7 @@ std::uint32_t read_region(std::uint32_t board, RegionPath path, std::uint32_t re
 std::uint32_t write_region(std::uint32_t board, RegionPath path, std::uint32_t region, const void* image, std::uint32_t size) {
   if (path == RegionPath::kMailboxes) {
     Mailbox mailbox = region_mailbox(RegionCommand::kUpdate, region, size, size);
-    // Without words to receive, the image is only read.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): without words to receive, the image is only read
     return send_region_mailbox(board, mailbox, const_cast<void*>(image), size / sizeof(std::uint32_t), 0);
   }
   std::uint32_t reply_word = 0;

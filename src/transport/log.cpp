@@ -56,12 +56,12 @@ struct Token {
 Token read_token(std::FILE* file) {
   Token token;
   int c = std::fgetc(file);
-  while (std::isspace(c)) c = std::fgetc(file);
+  while (std::isspace(c) != 0) c = std::fgetc(file);
   std::size_t length = 0;
-  for (; c != EOF && !std::isspace(c) && length < sizeof(token.text) - 1; c = std::fgetc(file)) {
+  for (; c != EOF && std::isspace(c) == 0 && length < sizeof(token.text) - 1; c = std::fgetc(file)) {
     token.text[length++] = static_cast<char>(c);
   }
-  token.whole = length > 0 && (c == EOF || std::isspace(c));
+  token.whole = length > 0 && (c == EOF || std::isspace(c) != 0);
   return token;
 }
 

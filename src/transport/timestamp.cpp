@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "vaskdfc/transport.h"
 
@@ -41,15 +42,11 @@ constexpr std::uint64_t take_off(std::uint64_t& seconds, std::uint64_t period) {
 // Leaves in `seconds` what has passed of the year that it returns.
 constexpr std::uint32_t take_off_years(std::uint64_t& seconds) {
   std::uint32_t year = 1970;
-  // A negative time arrives as a huge one, hundreds of thousands of millions of years ahead. Years are counted in 32 bits: a
-  // full turn of the counter is taken off first, then the rest of the turn up to year 0, then whole cycles of 400 years.
+  // A negative time arrives as a huge one, hundreds of thousands of millions of years ahead. Years are counted in 32 bits: full
+  // turns of the counter are taken off first, then whole cycles of 400 years. No such time is left with years that turn once more.
   constexpr std::uint64_t kTurn = seconds_before(std::uint64_t{1} << 32);
-  constexpr std::uint64_t kToYear0 = kTurn - seconds_before(1970);
+  static_assert(std::numeric_limits<std::uint64_t>::max() % kTurn < kTurn - seconds_before(1970));
   take_off(seconds, kTurn);
-  if (seconds > kToYear0) {
-    seconds -= kToYear0;
-    year = 0;
-  }
   year += static_cast<std::uint32_t>(400 * take_off(seconds, seconds_before(400)));
 
   for (; seconds > year_length(year); ++year) seconds -= year_length(year);

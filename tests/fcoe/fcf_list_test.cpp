@@ -176,6 +176,13 @@ TEST_F(FcfListTest, ends_after_65536_requests_to_a_driver_whose_indices_run_in_a
   EXPECT_EQ(fcfs.numEntries, 65535);  // as many as the field can say
 }
 
+TEST_F(FcfListTest, does_not_log_an_older_sli_mode_without_the_class_of_errors) {
+  start_log(kLogHandle);
+  expect_driver_info(3);
+  EXPECT_EQ(DFC_FCoEGetFCFList(kBoard, &list(1)), DFC_UNSUPPORTED);
+  EXPECT_EQ(log(), "");
+}
+
 TEST_F(FcfListTest, is_for_sli_mode_4_and_above) {
   start_log(kLogError);
   dfc_fcf_list& fcfs = list(1);

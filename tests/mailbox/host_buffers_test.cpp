@@ -1,11 +1,10 @@
 // The four commands whose mailboxes name memory of the caller.
-#include <sys/mman.h>
-
 #include <span>
 
 #include "mailbox/issue_mbox.h"
 #include "mailbox/mailbox_words.h"
 #include "support/adapter_test.h"
+#include "support/host_memory.h"
 #include "vaskdfc/mailbox.h"
 #include "vaskdfc/result.h"
 
@@ -13,35 +12,6 @@ namespace vaskdfc {
 namespace {
 
 using test::ByteVector;
-
-#ifdef MAP_32BIT
-constexpr int kBelow4GiB = MAP_32BIT;
-#else
-constexpr int kBelow4GiB = 0;
-#endif
-
-// Two pages of memory that a 32-bit word can name.
-class HostMemory {
- public:
-  HostMemory() : bytes_(map(), kBytes) {}
-  ~HostMemory() { munmap(bytes_.data(), kBytes); }
-  HostMemory(const HostMemory&) = delete;
-  HostMemory& operator=(const HostMemory&) = delete;
-
-  std::span<std::uint8_t> bytes() const { return bytes_; }
-  std::uint32_t address() const { return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(bytes_.data())); }
-
- private:
-  static constexpr std::size_t kBytes = 8192;
-
-  static std::uint8_t* map() {
-    void* const memory = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | kBelow4GiB, -1, 0);
-    if (memory == MAP_FAILED) std::abort();
-    return static_cast<std::uint8_t*>(memory);
-  }
-
-  std::span<std::uint8_t> bytes_;
-};
 
 Mailbox mailbox_with(std::uint8_t command, std::initializer_list<std::pair<std::size_t, std::uint32_t>> words) {
   Mailbox mailbox{};
@@ -75,7 +45,7 @@ class HostBuffersTest : public test::AdapterTest {
 
   static constexpr std::uint8_t kUntouched = 0xC0;
   static constexpr std::uint8_t kRead = 0xD0;
-  HostMemory memory;
+  test::HostMemory memory;
 };
 
 TEST_F(HostBuffersTest, reads_up_to_4096_bytes_for_the_three_reading_commands) {

@@ -2,13 +2,12 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <stdexcept>
 #include <vector>
+
+#include "support/exported_names.h"
 
 namespace {
 
@@ -23,18 +22,6 @@ void* library() {
   return library;
 }
 
-// The names between "global:" and "local:", each with a semicolon behind it.
-std::vector<std::string> names_in_version_script() {
-  std::ifstream script(VASKDFC_VERSION_SCRIPT);
-  const std::vector<std::string> words{std::istream_iterator<std::string>(script), {}};
-  const auto begin = std::ranges::find(words, "global:");
-  std::vector<std::string> names;
-  for (auto word = begin == words.end() ? begin : begin + 1; word != words.end() && *word != "local:"; ++word) {
-    names.push_back(word->substr(0, word->find(';')));
-  }
-  return names;
-}
-
 class EveryOperation : public testing::Environment {
  public:
   void SetUp() override {
@@ -42,8 +29,8 @@ class EveryOperation : public testing::Environment {
   }
 
   void TearDown() override {
-    const std::vector<std::string> names = names_in_version_script();
-    EXPECT_FALSE(names.empty()) << "no names in " << VASKDFC_VERSION_SCRIPT;
+    const std::vector<std::string> names = vaskdfc::test::exported_names();
+    EXPECT_FALSE(names.empty());
     for (const std::string& name : names) EXPECT_TRUE(called().contains(name)) << name << " is exported and was not called";
     EXPECT_EQ(called().size(), names.size()) << "something was called that the version script does not name";
   }

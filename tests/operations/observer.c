@@ -53,7 +53,7 @@ HIDDEN uintptr_t library_end;
 
 #define OPERATION(name)                   \
   HIDDEN struct observed observed_##name; \
-  __asm__(".text\n.globl " #name "\n.type " #name ", @function\n" #name ":\n" STUB(#name));
+  __asm__(".pushsection .text\n.globl " #name "\n.type " #name ", @function\n" #name ":\n" STUB(#name) ".popsection\n");
 #include "operations.inc"
 #undef OPERATION
 

@@ -176,6 +176,13 @@ TEST_F(Region22Test, cuts_entries_at_the_end_of_the_image) {
   EXPECT_EQ(DFC_SetRegion22(kBoard, many.data(), 31), DFC_OK);
 }
 
+TEST_F(Region22Test, writes_the_image_as_it_was_where_there_are_no_entries) {
+  expect_adapter_type(kFcoe);
+  expect_dump(22, full_image());
+  expect_fcoe_update(full_image());
+  EXPECT_EQ(DFC_SetRegion22(kBoard, nullptr, 0), DFC_OK);
+}
+
 TEST_F(Region22Test, writes_a_blank_image_first_where_there_is_none) {
   const Entries one = entries_of(1, 0xD2);
   const Image expected = with_bytes(blank_image(), 8, bytes_of(one));

@@ -25,10 +25,21 @@ std::string replaced_path(const char* path) {
   return c_library.scratch / text.substr(kScratch.size());
 }
 
+bool is_refused(std::size_t bytes) {
+  return ++c_library.allocations == c_library.refused_allocation || (bytes != 0 && bytes == c_library.refused_bytes);
+}
+
+void* counted(void* memory) {
+  ++c_library.live_allocations;
+  return memory;
+}
+
 }  // namespace
 }  // namespace vaskdfc::test
 
 using vaskdfc::test::c_library;
+using vaskdfc::test::counted;
+using vaskdfc::test::is_refused;
 
 extern "C" {
 
@@ -37,6 +48,7 @@ std::FILE* __real_fopen64(const char* path, const char* mode);
 long __real_syscall(long number, ...);
 void* __real_malloc(std::size_t bytes);
 void* __real_calloc(std::size_t count, std::size_t bytes);
+void __real_free(void* memory);
 
 std::FILE* __wrap_fopen(const char* path, const char* mode) { return __real_fopen(path, mode); }
 
@@ -74,10 +86,15 @@ int __wrap_usleep(useconds_t microseconds) {
   return 0;
 }
 
-void* __wrap_malloc(std::size_t bytes) { return bytes != 0 && bytes == c_library.refused_bytes ? nullptr : __real_malloc(bytes); }
+void* __wrap_malloc(std::size_t bytes) { return is_refused(bytes) ? nullptr : counted(__real_malloc(bytes)); }
 
 void* __wrap_calloc(std::size_t count, std::size_t bytes) {
-  return bytes != 0 && count * bytes == c_library.refused_bytes ? nullptr : __real_calloc(count, bytes);
+  return is_refused(count * bytes) ? nullptr : counted(__real_calloc(count, bytes));
+}
+
+void __wrap_free(void* memory) {
+  if (memory != nullptr) --c_library.live_allocations;
+  __real_free(memory);
 }
 
 // As glibc does it: a name that does not fit fills the buffer without an end, and that is an error.

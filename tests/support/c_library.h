@@ -17,6 +17,9 @@ struct CLibrary {
   std::string host_name = "host-17";
   std::vector<std::string> sleeps;        // what the library asked for, such as "sleep 1" and "usleep 1000"
   std::size_t refused_bytes = 0;          // allocations of exactly this size fail; 0: none do
+  std::size_t allocations = 0;            // made so far, refused ones included
+  std::size_t refused_allocation = 0;     // the allocation with this number fails, counted from 1; 0: none does
+  std::ptrdiff_t live_allocations = 0;    // made and not released
   std::filesystem::path scratch;          // stands for /scratch
   std::vector<std::string> opened_files;  // path and mode, in order
 };

@@ -169,6 +169,19 @@ TEST_F(DiscoveryTest, changes_no_table_when_no_interface_opens) {
   EXPECT_EQ(refcnt, 0);
 }
 
+TEST_F(DiscoveryTest, the_older_form_changes_no_table_either_when_no_interface_opens) {
+  driver.open_statuses({1, 1});
+  dfc_brdno[0] = 5;
+  dftrel_brdCnt = 7;
+  auto boards = untouched_records<dfc_brd_info_short>();
+
+  EXPECT_EQ(InitDiagEnv(boards.data()), 0u);
+  EXPECT_EQ(dfc_brdno[0], 5u);
+  EXPECT_EQ(dftrel_brdCnt, 7u);
+  EXPECT_EQ(refcnt, 0);
+  EXPECT_TRUE(is_untouched(boards[0]));
+}
+
 TEST_F(DiscoveryTest, skips_probes_that_fail_in_the_platform) {
   for (std::uint32_t probe = 0; probe < 32; ++probe) {
     driver.expect({.callback = Callback::kInitBrds,

@@ -45,6 +45,13 @@ TEST_F(LogTest, compares_the_name_with_nothing_and_takes_any_whitespace) {
   EXPECT_EQ(log(), started("anything", "3"));
 }
 
+TEST_F(LogTest, reads_a_mask_that_ends_with_the_file) {
+  configure("LogLevel 0xf");
+  OpenLogger();
+  EXPECT_EQ(LogLevel, 0xFu);
+  EXPECT_EQ(log(), started("LogLevel", "f"));
+}
+
 TEST_F(LogTest, one_token_keeps_the_mask) {
   LogLevel = 6;
   configure("LogLevel\n");
