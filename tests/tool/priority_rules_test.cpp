@@ -64,6 +64,14 @@ TEST(PriorityRules, say_where_a_json_file_is_wrong) {
   EXPECT_EQ(mistake_in("r.json", R"([{"match1": "*"}])"), "r.json: rules[0]: \"prio\" is not there once");
   EXPECT_EQ(mistake_in("r.json", R"([{"match1": 5, "match2": "*", "match3": "*", "match4": "*", "prio": 1}])"),
             "r.json: rules[0].match1: \"5\" is neither * nor 8 bytes");
+  EXPECT_EQ(mistake_in("r.json", "[1e999]"), "r.json: number overflow parsing '1e999'");
+}
+
+TEST(PriorityRules, are_not_lists_however_deep) {
+  constexpr std::size_t kDepth = 1'000'000;
+  const std::string list = std::string(kDepth, '[') + std::string(kDepth, ']');
+  EXPECT_EQ(mistake_in("r.json", R"([{"match1": "*", "match2": "*", "match3": "*", "match4": "*", "prio": )" + list + "}]"),
+            "r.json: rules[0].prio: \"array\" is no number");
 }
 
 TEST(PriorityRules, are_no_more_than_travel) {

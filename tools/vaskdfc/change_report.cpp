@@ -109,4 +109,8 @@ void change(Context& context, const Setting& setting, const std::vector<Field>& 
   write_and_verify(context, setting, before, wanted);
 }
 
+void change(Context& context, const Setting& setting, const std::vector<Field>& wanted) {
+  change(context, setting, setting.read(), wanted);
+}
+
 }  // namespace vaskdfc::tool

@@ -36,4 +36,7 @@ struct Setting {
 // library reports as written may never have arrived.
 void change(Context& context, const Setting& setting, const std::vector<Field>& before, const std::vector<Field>& wanted);
 
+// The same for a setting that nobody has read yet.
+void change(Context& context, const Setting& setting, const std::vector<Field>& wanted);
+
 }  // namespace vaskdfc::tool

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <iostream>
+#include <sstream>
 #include <utility>
 
 #include "decode.h"
@@ -236,25 +237,26 @@ int CommandLine::run(int argc, const char* const* argv) {
   try {
     app_->parse(argc, argv);
   } catch (const CLI::Success& help_or_version) {
-    return app_->exit(help_or_version);
+    std::ostringstream text;
+    app_->exit(help_or_version, text, text);
+    return static_cast<int>(attempt([&](const Context& context) { context.write(text.str()); }));
   } catch (const CLI::ParseError& error) {
     std::cerr << render_failure(usage_failure(error.what(), "vaskdfc --help, or vaskdfc COMMAND --help"), options_.output.form);
     return static_cast<int>(Exit::kUsage);
   }
-  return static_cast<int>(run_action());
+  if (options_.verbose) on_driver_call(show_driver_call);
+  if (options_.log_mask) {
+    action_ = [this](const Context& context) { explain_log(context, *options_.log_mask); };
+  } else if (!action_) {
+    action_ = [](Context&) { throw usage_failure("no command", "vaskdfc --help lists the commands"); };
+  }
+  return static_cast<int>(attempt(action_));
 }
 
-Exit CommandLine::run_action() {
+Exit CommandLine::attempt(const Action& action) const {
   Context context(options_);
-  if (options_.verbose) on_driver_call(show_driver_call);
   try {
-    if (options_.log_mask) {
-      explain_log(context, *options_.log_mask);
-    } else if (action_) {
-      action_(context);
-    } else {
-      throw usage_failure("no command", "vaskdfc --help lists the commands");
-    }
+    action(context);
   } catch (const Failure& failure) {
     context.report_failure(failure);
   }

@@ -149,7 +149,7 @@ class CommandLine {
   static std::string& adapter_in(auto& arguments) { return arguments.adapter; }
 
   CLI::App& subcommand(const std::string& name, const std::string& summary, const std::vector<std::string>& examples);
-  Exit run_action();
+  Exit attempt(const Action& action) const;
 
   std::unique_ptr<CLI::App> app_;
   Options options_;

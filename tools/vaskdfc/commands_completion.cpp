@@ -31,7 +31,7 @@ void add_completion_command(CommandLine& commands) {
       .add("completion", "Print a script that completes this command line in a shell",
            {"eval \"$(vaskdfc completion bash)\"", "vaskdfc completion zsh > ~/.zfunc/_vaskdfc",
             "vaskdfc completion fish > ~/.config/fish/completions/vaskdfc.fish"},
-           [&commands, shell](Context& context) { print_script(context, commands, *shell); })
+           [&commands, shell](const Context& context) { print_script(context, commands, *shell); })
       .add_option("SHELL", *shell, "The shell that reads the script")
       .type_name(names_of(kShells, "|"))
       .required();

@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "code_names.h"
 #include "command_line.h"
 #include "decode.h"
 #include "repetition.h"
@@ -35,8 +36,7 @@ constexpr std::uint32_t kRscn = 5;
 std::string event_name(std::uint32_t code) {
   constexpr std::array<std::pair<std::uint32_t, const char*>, 6> kNames{
       {{1, "LIP"}, {2, "link up"}, {3, "link down"}, {4, "LIP reset"}, {kRscn, "RSCN"}, {0xFFFF, "proprietary"}}};
-  const auto found = std::ranges::find(kNames, code, [](const auto& entry) { return entry.first; });
-  return found == kNames.end() ? fmt::format("0x{:x}", code) : found->second;
+  return name_in(kNames, code, fmt::format("0x{:x}", code));
 }
 
 std::vector<HbaEvent> take_events(std::uint32_t adapter) {

@@ -82,7 +82,7 @@ void version(Context& context) {
 
 // --- log-message
 
-void log_message(Context& context, const std::string& text) {
+void log_message(const Context& context, const std::string& text) {
   dfc_kernel_message message{};
   // The last byte stays 0: drivers take the message for a text.
   if (text.size() >= sizeof(message.text)) {
@@ -141,7 +141,7 @@ void add_info_commands(CommandLine& commands) {
   auto text = std::make_shared<std::string>();
   commands
       .add("log-message", "Write a message into the driver's log", {"vaskdfc log-message 'cable 7 replaced'"},
-           [text](Context& context) { log_message(context, *text); })
+           [text](const Context& context) { log_message(context, *text); })
       .add_option("TEXT", *text, "Message, at most 63 bytes")
       .required();
 

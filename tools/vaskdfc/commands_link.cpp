@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "command_line.h"
 #include "driver_record.h"

@@ -3,6 +3,7 @@
 #include <vaskdfc.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -41,7 +42,7 @@ void read_mem(Context& context, const Arguments& arguments) {
                                              {{"adapter", "Adapter", number_cell(adapter)},
                                               {"address", "Address", hex_cell(address)},
                                               {"bytes", "Bytes", number_cell(bytes.size())},
-                                              {"file", "File", arguments.file ? text_cell(text_of(*arguments.file)) : absent()}}),
+                                              {"file", "File", file_cell(arguments.file)}}),
                               lines_section(arguments.file ? Bytes{} : Bytes(bytes), address)}});
 }
 
@@ -51,16 +52,15 @@ void write_mem(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   const auto count = static_cast<std::uint32_t>(wanted.size());
-  const auto read = [=] { return line_fields(read_memory(adapter, address, count), address); };
   const Setting setting{.command = "mem write",
                         .adapter = adapter,
                         .intent = fmt::format("write {} bytes at 0x{:08x} into the memory", count, address),
                         .place = "the memory",
                         .operation = "WriteMem",
                         .results = Results::kAccess,
-                        .read = read,
+                        .read = [=] { return line_fields(read_memory(adapter, address, count), address); },
                         .write = [=] { return WriteMem(adapter, wanted.data(), address, count); }};
-  change(context, setting, read(), line_fields(wanted, address));
+  change(context, setting, line_fields(wanted, address));
 }
 
 // --- reg
@@ -119,16 +119,15 @@ void write_reg(Context& context, const Arguments& arguments) {
   const std::uint32_t wanted = number_argument("VALUE", arguments.value);
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  const auto read = [=] { return register_fields(offset, read_register(adapter, offset)); };
   const Setting setting{.command = "reg write",
                         .adapter = adapter,
                         .intent = fmt::format("write 0x{:08x} into the register at 0x{:02x}", wanted, offset),
                         .place = "the register",
                         .operation = "WriteCtlReg",
                         .results = Results::kAccess,
-                        .read = read,
+                        .read = [=] { return register_fields(offset, read_register(adapter, offset)); },
                         .write = [=] { return WriteCtlReg(adapter, &wanted, offset); }};
-  change(context, setting, read(), register_fields(offset, wanted));
+  change(context, setting, register_fields(offset, wanted));
 }
 
 void add_mem_commands(CommandLine& commands) {

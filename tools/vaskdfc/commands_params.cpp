@@ -45,16 +45,6 @@ Parameter parameter_in(const Table& table, const std::string& name) {
                       "\"vaskdfc params list ADAPTER\" shows them; name one by its name or its position");
 }
 
-// Tables shout their titles, records do not.
-std::vector<Field> with_quiet_titles(std::vector<Field> fields) {
-  for (Field& field : fields) {
-    for (std::size_t i = 1; i < field.title.size(); ++i) {
-      if (field.title[i] >= 'A' && field.title[i] <= 'Z') field.title[i] = static_cast<char>(field.title[i] + ('a' - 'A'));
-    }
-  }
-  return fields;
-}
-
 void list(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
@@ -74,7 +64,7 @@ void show(Context& context, const Arguments& arguments) {
   if (arguments.raw) {
     return context.print(raw_report("params show", adapter, bytes_of(table->entries.entries[parameter.position])));
   }
-  auto fields = with_quiet_titles(joined(parameter_fields(parameter), {meaning_field(parameter)}));
+  auto fields = joined(parameter_fields(parameter), {meaning_field(parameter)});
   context.print({.command = "params show",
                  .sections = {record_section("parameter", "Parameter",
                                              joined({{"adapter", "Adapter", number_cell(adapter)}}, std::move(fields)))}});

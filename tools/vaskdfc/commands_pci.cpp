@@ -42,8 +42,6 @@ std::uint32_t aligned_argument(const std::string& name, const std::string& spell
   throw usage_failure(fmt::format("{}: {} is not a multiple of {}", name, number, kWordBytes));
 }
 
-Cell file_cell(const std::optional<std::string>& file) { return file ? text_cell(text_of(*file)) : absent(); }
-
 // Most of the space is zeros: lines of nothing else are left out.
 Section lines_that_are_not_zero(Bytes space) {
   Section section = lines_section(space);
@@ -107,19 +105,19 @@ void write(Context& context, const Arguments& arguments) {
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
   const auto count = static_cast<std::uint32_t>(wanted.size());
-  const auto read = [=] { return word_fields(read_space(adapter, offset, count), offset); };
   const Setting setting{.command = "pci write",
                         .adapter = adapter,
                         .intent = fmt::format("write {} bytes at 0x{:03x} into the PCI configuration space", count, offset),
                         .place = "the PCI configuration space",
                         .operation = "WritePciCfg",
                         .results = Results::kAccess,
-                        .read = read,
-                        .write = [=] {
-                          auto sent = wanted;  // the library may turn it over in place
-                          return WritePciCfg(adapter, sent.data(), offset, count);
-                        }};
-  change(context, setting, read(), word_fields(wanted, offset));
+                        .read = [=] { return word_fields(read_space(adapter, offset, count), offset); },
+                        .write =
+                            [=] {
+                              auto sent = wanted;  // the library may turn it over in place
+                              return WritePciCfg(adapter, sent.data(), offset, count);
+                            }};
+  change(context, setting, word_fields(wanted, offset));
 }
 
 }  // namespace

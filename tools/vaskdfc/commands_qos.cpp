@@ -45,16 +45,15 @@ std::uint32_t flag_argument(const std::string& spelling) {
 std::vector<Field> flag_fields(std::uint32_t flag) { return {{"flag", "Flag", number_cell(flag)}}; }
 
 void set_flag(Context& context, std::uint32_t adapter, std::uint32_t wanted) {
-  const auto read = [=] { return flag_fields(read_flag(adapter)); };
   const Setting setting{.command = "qos flag",
                         .adapter = adapter,
                         .intent = fmt::format("set the priority flag to {}", wanted),
                         .place = "the priority flag",
                         .operation = "DFC_QoSSetGlobalFlag",
                         .results = Results::kDfc,
-                        .read = read,
+                        .read = [=] { return flag_fields(read_flag(adapter)); },
                         .write = [=] { return DFC_QoSSetGlobalFlag(adapter, wanted); }};
-  change(context, setting, read(), flag_fields(wanted));
+  change(context, setting, flag_fields(wanted));
 }
 
 void flag(Context& context, const Arguments& arguments) {
@@ -112,16 +111,15 @@ void set(Context& context, const Arguments& arguments) {
   if (arguments.keep_order) std::ranges::reverse(rules);
   const Session session;
   const std::uint32_t adapter = session.find(arguments.adapter);
-  const auto read = [=] { return rule_fields(read_rules(adapter).rules); };
   const Setting setting{.command = "qos set",
                         .adapter = adapter,
                         .intent = fmt::format("replace the priority rules by {}, in this order,", rules.size()),
                         .place = "the table of priority rules",
                         .operation = "DFC_QoSSetConfig",
                         .results = Results::kDfc,
-                        .read = read,
+                        .read = [=] { return rule_fields(read_rules(adapter).rules); },
                         .write = [=] { return write_rules(adapter, rules); }};
-  change(context, setting, read(), rule_fields(as_sent(rules)));
+  change(context, setting, rule_fields(as_sent(rules)));
 }
 
 // --- qos speed

@@ -73,7 +73,7 @@ void dump(Context& context, const Arguments& arguments) {
                                              {{"adapter", "Adapter", number_cell(adapter)},
                                               {"region", "Region", number_cell(region)},
                                               {"bytes", "Bytes", number_cell(read.bytes.size())},
-                                              {"file", "File", arguments.file ? text_cell(text_of(*arguments.file)) : absent()}}),
+                                              {"file", "File", file_cell(arguments.file)}}),
                               lines_section(arguments.file ? Bytes{} : Bytes(read.bytes))}});
 }
 
@@ -90,7 +90,7 @@ bool is_region23_used(std::uint32_t adapter, std::uint32_t sli_mode, Bytes read)
 
 Cell problem_cell(const std::string& problem) { return problem.empty() ? absent() : text_cell(problem); }
 
-void show23(Context& context, std::uint32_t adapter, const RegionRead& read) {
+void show23(const Context& context, std::uint32_t adapter, const RegionRead& read) {
   const Region23Image image = parse_region23(read.bytes);
   const bool used = is_region23_used(adapter, read_driver(adapter).sli_mode, read.bytes);
   Section records = table_section(
@@ -121,7 +121,7 @@ bool is_region22_used(std::uint32_t adapter) {
   return DFC_GetRegion22(adapter, entries.data(), &count) == DFC_OK;
 }
 
-void show22(Context& context, std::uint32_t adapter, const RegionRead& read) {
+void show22(const Context& context, std::uint32_t adapter, const RegionRead& read) {
   const Region22Image image = parse_region22(read.bytes);
   Section entries =
       table_section("entries", "Entries that are not 0", {{"position", "POSITION"}, {"offset", "OFFSET"}, {"bytes", "BYTES"}});

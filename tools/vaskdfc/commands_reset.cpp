@@ -149,7 +149,7 @@ void region(Context& context, const Arguments& arguments) {
                                   {"region", "Region", number_cell(number)},
                                   {"bytes", "Bytes", number_cell(descriptor.length)},
                                   {"descriptor", "Descriptor", hex_bytes_cell(descriptor.delivered())},
-                                  {"file", "File", arguments.file ? text_cell(text_of(*arguments.file)) : absent()}};
+                                  {"file", "File", file_cell(arguments.file)}};
   context.print({.command = "dump region",
                  .sections = {record_section("region", "Region", joined(fields, fields_of(descriptor.delivered(), kDescriptor)))}});
 }

@@ -59,10 +59,7 @@ Section counters_section(const HbaPortStatistics& statistics, const SupportedCou
 }
 
 // Rates are of the time between the two readings; a tenth is as much as people read.
-Cell rate_cell(std::uint64_t distance, Seconds time) {
-  const double rate = static_cast<double>(distance) / time.count();
-  return {rate, fmt::format("{:.1f}", rate)};
-}
+Cell rate_cell(std::uint64_t distance, Seconds time) { return decimal_cell(static_cast<double>(distance) / time.count(), 1); }
 
 Record rate_record(const Counter& counter, const Reading& before, const Reading& now, const SupportedCounters& supported) {
   const Cell name{counter.key, counter.title};
@@ -101,7 +98,7 @@ Report rates_report(std::uint32_t adapter, std::uint32_t sample, const Reading& 
           .sections = {record_section("sample", "Sample",
                                       {{"adapter", "Adapter", number_cell(adapter)},
                                        {"number", "Number", number_cell(sample)},
-                                       {"seconds", "Seconds", {time, fmt::format("{:.3f}", time)}}}),
+                                       {"seconds", "Seconds", decimal_cell(time, 3)}}),
                        rates_section(before, now, supported)}};
 }
 

@@ -29,9 +29,7 @@ struct Pace {
 
 // --- without a terminal
 
-Cell rate_cell(const std::optional<Rate>& rate) {
-  return rate && rate->per_second ? Cell{*rate->per_second, fmt::format("{:.1f}", *rate->per_second)} : absent();
-}
+Cell rate_cell(const std::optional<Rate>& rate) { return rate && rate->per_second ? decimal_cell(*rate->per_second, 1) : absent(); }
 
 Cell text_or_absent(const std::optional<std::string>& text) { return text ? text_cell(*text) : absent(); }
 
@@ -59,8 +57,7 @@ Section sample_section(std::uint32_t sample, const std::vector<LiveRow>& rows) {
   for (const LiveRow& row : rows) {
     const LiveRates& rates = row.rates;
     section.records.push_back({number_cell(sample), number_cell(row.adapter), text_or_absent(row.model), text_or_absent(row.state),
-                               text_or_absent(row.speed),
-                               rates.seconds ? Cell{*rates.seconds, fmt::format("{:.3f}", *rates.seconds)} : absent(),
+                               text_or_absent(row.speed), rates.seconds ? decimal_cell(*rates.seconds, 3) : absent(),
                                rate_cell(rates.received), rate_cell(rates.sent), rate_cell(rates.frames), rate_cell(rates.errors),
                                mark_of(rates), row.problem.empty() ? absent() : text_cell(row.problem)});
   }

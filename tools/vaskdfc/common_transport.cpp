@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "code_names.h"
 #include "decode.h"
 #include "rejection.h"
 
@@ -109,9 +110,6 @@ std::vector<std::uint32_t> parse_port_ids(Bytes payload) {
   return ids;
 }
 
-std::string port_type_name(std::uint8_t type) {
-  const auto found = std::ranges::find(kPortTypes, type, &CodeName::first);
-  return found == kPortTypes.end() ? fmt::format("0x{:02x}", type) : found->second;
-}
+std::string port_type_name(std::uint8_t type) { return name_in(kPortTypes, type, fmt::format("0x{:02x}", type)); }
 
 }  // namespace vaskdfc::tool

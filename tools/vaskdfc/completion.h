@@ -48,7 +48,7 @@ std::string lines_for(const Elements& elements, const auto& line_for) {
   return lines;
 }
 
-// A template with its markers replaced.
+// A text with every marker in it replaced, one kind after the other.
 std::string filled(std::string text, std::initializer_list<std::pair<const char*, std::string>> replacements);
 
 }  // namespace vaskdfc::tool

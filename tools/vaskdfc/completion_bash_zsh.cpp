@@ -97,19 +97,12 @@ struct Dialect {
   std::string (*offer)(const std::string& word, const std::string& help);
 };
 
-std::string replaced(std::string text, char wanted, const std::string& replacement) {
-  for (auto at = text.find(wanted); at != std::string::npos; at = text.find(wanted, at + replacement.size())) {
-    text.replace(at, 1, replacement);
-  }
-  return text;
-}
-
 std::string bash_offer(const std::string& word, const std::string&) { return word; }
 
 // The first colon parts what is offered from what it is.
 std::string zsh_offer(const std::string& word, const std::string& help) {
-  const std::string offer = replaced(word, ':', "\\:") + (help.empty() ? "" : ":" + help);
-  return "'" + replaced(offer, '\'', "'\\''") + "'";
+  const std::string offer = filled(word, {{":", "\\:"}}) + (help.empty() ? "" : ":" + help);
+  return "'" + filled(offer, {{"'", "'\\''"}}) + "'";
 }
 
 // Readline completes the names of files better than a script does.
@@ -119,7 +112,7 @@ constexpr Dialect kZsh{.script = kZshScript, .complete_file = "_files; return", 
 // No name of a command or an option has a character that needs quoting, but for the blanks between words.
 std::string arm(const std::vector<std::string>& patterns, const std::string& action) {
   std::vector<std::string> escaped;
-  for (const std::string& pattern : patterns) escaped.push_back(replaced(pattern, ' ', "\\ "));
+  for (const std::string& pattern : patterns) escaped.push_back(filled(pattern, {{" ", "\\ "}}));
   return fmt::format("      {}) {} ;;\n", fmt::join(escaped, " | "), action);
 }
 

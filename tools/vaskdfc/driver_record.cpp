@@ -13,6 +13,14 @@ std::string ascii(Bytes bytes) {
   return text;
 }
 
+// Tables have their titles so, records do not.
+std::string in_capitals(std::string title) {
+  for (char& letter : title) {
+    if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - ('a' - 'A'));
+  }
+  return title;
+}
+
 }  // namespace
 
 std::vector<Field> fields_of(Bytes record, std::span<const RecordField> layout) {
@@ -26,7 +34,7 @@ std::vector<Field> fields_of(Bytes record, std::span<const RecordField> layout) 
 
 Section table_like(std::string key, std::string title, const std::vector<Field>& fields) {
   std::vector<Column> columns;
-  for (const Field& field : fields) columns.push_back({field.key, field.title});
+  for (const Field& field : fields) columns.push_back({field.key, in_capitals(field.title)});
   return table_section(std::move(key), std::move(title), std::move(columns));
 }
 
@@ -61,7 +69,6 @@ Cell fc_id_in(Bytes bytes) { return fc_id_cell(static_cast<std::uint32_t>(little
 Cell bytes_in(Bytes bytes) { return hex_bytes_cell(bytes); }
 
 Section lines_section(Bytes bytes, std::size_t first_offset) {
-  constexpr std::size_t kLineBytes = 16;
   Section section = table_section("lines", "Lines", {{"offset", "OFFSET"}, {"bytes", "BYTES"}, {"text", "TEXT"}});
   for (std::size_t offset = 0; offset < bytes.size(); offset += kLineBytes) {
     const Bytes line = part(bytes, offset, kLineBytes);

@@ -47,7 +47,8 @@ Bytes bytes_of(const Record& record) {
   return {reinterpret_cast<const std::uint8_t*>(&record), sizeof(record)};
 }
 
-// Bytes as they are, 16 a line, from this offset on.
+// Bytes as they are, so many a line, from this offset on.
+inline constexpr std::size_t kLineBytes = 16;
 Section lines_section(Bytes bytes, std::size_t first_offset = 0);
 
 // What a command reports of a record that is wanted as it is.

@@ -16,6 +16,7 @@
 #include <array>
 #include <utility>
 
+#include "code_names.h"
 #include "decode.h"
 
 namespace vaskdfc::tool {
@@ -66,11 +67,6 @@ constexpr std::array kOasNames{Name{DFC_OAS_BAD0010, "DFC_OAS_BAD0010"},
                                Name{DFC_OAS_BAD0020, "DFC_OAS_BAD0020"},
                                Name{DFC_OAS_BAD0030, "DFC_OAS_BAD0030"},
                                Name{DFC_OAS_BAD002B, "DFC_OAS_BAD002B"}};
-
-std::string name_in(const auto& names, std::uint32_t result) {
-  const auto found = std::ranges::find(names, result, &Name::first);
-  return found == names.end() ? "" : found->second;
-}
 
 constexpr const char* kNeverWritten = "the adapter has nothing in this region yet; it may never have been written";
 

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 #include <vaskdfc/link.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
+#include "code_names.h"
 #include "decode.h"
 #include "driver_record.h"
 
@@ -17,10 +19,7 @@ std::uint32_t word_of(Bytes bytes) { return static_cast<std::uint32_t>(little_en
 using Name = std::pair<std::uint32_t, const char*>;
 
 Cell name_cell(std::span<const Name> names, std::uint32_t value) {
-  for (const auto& [number, name] : names) {
-    if (number == value) return text_cell(name);
-  }
-  return text_cell(fmt::format("{}", value));
+  return text_cell(name_in(names, value, fmt::format("{}", value)));
 }
 
 // The driver is told modes 1 and 4, which the library calls 1 and 2.
@@ -52,14 +51,14 @@ constexpr std::uint64_t kServesFcp = 0x1;
 constexpr std::uint64_t kHasUnits = 0x2;
 
 constexpr std::array kNode{
-    RecordField{"position", "POSITION", 0, 2, number_in},
+    RecordField{"position", "Position", 0, 2, number_in},
     RecordField{"fc_id", "FC ID", 4, 4, fc_id_in},
-    RecordField{"port_wwn", "PORT WWN", 8, 8, wwn_in},
-    RecordField{"node_wwn", "NODE WWN", 16, 8, wwn_in},
+    RecordField{"port_wwn", "Port WWN", 8, 8, wwn_in},
+    RecordField{"node_wwn", "Node WWN", 16, 8, wwn_in},
     RecordField{"fcp", "FCP", 2, 2, [](Bytes bytes) { return flag_cell((little_endian(bytes) & kServesFcp) != 0); }},
-    RecordField{"has_units", "HAS UNITS", 2, 2, [](Bytes bytes) { return flag_cell((little_endian(bytes) & kHasUnits) != 0); }},
-    RecordField{"units", "UNITS", 24, 4, number_in},
-    RecordField{"flags", "FLAGS", 2, 2, hex_in}};
+    RecordField{"has_units", "Has units", 2, 2, [](Bytes bytes) { return flag_cell((little_endian(bytes) & kHasUnits) != 0); }},
+    RecordField{"units", "Units", 24, 4, number_in},
+    RecordField{"flags", "Flags", 2, 2, hex_in}};
 
 struct IoCounter {
   const char* key;

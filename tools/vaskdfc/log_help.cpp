@@ -22,7 +22,7 @@ constexpr std::array kLineClasses{
 
 }  // namespace
 
-void explain_log(Context& context, const std::string& mask) {
+void explain_log(const Context& context, const std::string& mask) {
   const std::uint32_t bits = number_argument("--log", mask);
   Section classes = table_section("classes", "Classes of lines",
                                   {{"bit", "BIT"}, {"class", "CLASS"}, {"enabled", "ENABLED"}, {"lines", "LINES"}});

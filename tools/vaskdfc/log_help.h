@@ -8,6 +8,6 @@
 namespace vaskdfc::tool {
 
 // Explains a mask: what it enables, and where it is written down.
-void explain_log(Context& context, const std::string& mask);
+void explain_log(const Context& context, const std::string& mask);
 
 }  // namespace vaskdfc::tool

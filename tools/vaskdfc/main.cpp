@@ -1,6 +1,22 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "command_line.h"
 
+namespace {
+
+// A file that is opened while a standard one is closed would get its number, and then what is printed. What stands there instead
+// cannot be used either, so that whoever prints learns of it.
+void hold_standard_files() {
+  for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(file, F_GETFD) < 0) open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+  hold_standard_files();
   vaskdfc::tool::CommandLine commands;
   add_hbaapi_commands(commands);
   add_info_commands(commands);

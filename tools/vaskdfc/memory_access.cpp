@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "decode.h"
+#include "driver_record.h"
 #include "failure.h"
 #include "progress.h"
 #include "raw_file.h"
@@ -47,7 +48,6 @@ std::vector<std::uint8_t> bytes_to_write(const std::vector<std::string>& words, 
 }
 
 std::vector<Field> line_fields(Bytes bytes, std::size_t first_offset) {
-  constexpr std::size_t kLineBytes = 16;
   std::vector<Field> fields;
   for (std::size_t offset = 0; offset < bytes.size(); offset += kLineBytes) {
     const Bytes line = part(bytes, offset, kLineBytes);

@@ -21,7 +21,7 @@ std::vector<std::uint8_t> read_memory(std::uint32_t adapter, std::uint32_t addre
 std::vector<std::uint8_t> bytes_to_write(const std::vector<std::string>& words, const std::optional<std::string>& file,
                                          std::size_t most);
 
-// Bytes as fields to compare, 16 each.
+// Bytes as fields to compare, a line each.
 std::vector<Field> line_fields(Bytes bytes, std::size_t first_offset);
 
 }  // namespace vaskdfc::tool

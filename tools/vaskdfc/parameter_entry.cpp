@@ -37,17 +37,17 @@ Parameter parse_parameter(std::uint32_t position, Bytes entry) {
 }
 
 std::vector<Field> parameter_fields(const Parameter& parameter) {
-  return {{"position", "POSITION", number_cell(parameter.position)},
-          {"name", "NAME", text_cell(parameter.name)},
-          {"value", "VALUE", word_cell(parameter.value)},
-          {"default", "DEFAULT", word_cell(parameter.initial)},
-          {"minimum", "MINIMUM", word_cell(parameter.least)},
-          {"maximum", "MAXIMUM", word_cell(parameter.most)},
-          {"needs_restart", "NEEDS RESTART", flag_cell(parameter.needs_restart)},
-          {"waits", "WAITS", flag_cell(parameter.waits)}};
+  return {{"position", "Position", number_cell(parameter.position)},
+          {"name", "Name", text_cell(parameter.name)},
+          {"value", "Value", word_cell(parameter.value)},
+          {"default", "Default", word_cell(parameter.initial)},
+          {"minimum", "Minimum", word_cell(parameter.least)},
+          {"maximum", "Maximum", word_cell(parameter.most)},
+          {"needs_restart", "Needs restart", flag_cell(parameter.needs_restart)},
+          {"waits", "Waits", flag_cell(parameter.waits)}};
 }
 
-Field meaning_field(const Parameter& parameter) { return {"meaning", "MEANING", text_cell(parameter.meaning)}; }
+Field meaning_field(const Parameter& parameter) { return {"meaning", "Meaning", text_cell(parameter.meaning)}; }
 
 const Parameter* find_parameter(const std::vector<Parameter>& parameters, const std::string& name) {
   auto found = std::ranges::find(parameters, name, &Parameter::name);

@@ -2,10 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <set>
 #include <string>
 
+#include "code_names.h"
 #include "decode.h"
 #include "driver_record.h"
 
@@ -20,13 +22,6 @@ std::uint32_t number_of_width(Bytes space, std::size_t at, std::size_t bytes) {
 }
 std::uint32_t half(Bytes space, std::size_t at) { return number_of_width(space, at, 2); }
 std::uint32_t word(Bytes space, std::size_t at) { return number_of_width(space, at, 4); }
-
-std::string name_in(std::span<const Name> names, std::uint32_t number) {
-  for (const auto& [known, name] : names) {
-    if (known == number) return name;
-  }
-  return "";
-}
 
 Cell bits_cell(std::span<const Name> names, std::uint32_t bits) {
   Details set;
@@ -117,16 +112,14 @@ Details msi_x(Bytes capability) {
 
 std::string link_text(std::uint32_t speed_and_width) {
   constexpr std::array kRates{Name{1, "2.5 GT/s"}, Name{2, "5 GT/s"}, Name{3, "8 GT/s"}, Name{4, "16 GT/s"}, Name{5, "32 GT/s"}};
-  const std::string rate = name_in(kRates, speed_and_width & 0xF);
-  return fmt::format("{} lanes at {}", speed_and_width >> 4 & 0x3F, rate.empty() ? "an unknown rate" : rate);
+  return fmt::format("{} lanes at {}", speed_and_width >> 4 & 0x3F, name_in(kRates, speed_and_width & 0xF, "an unknown rate"));
 }
 
 Details pci_express(Bytes capability) {
   constexpr std::array kTypes{Name{0, "endpoint"}, Name{1, "legacy endpoint"}, Name{4, "root port"},
                               Name{9, "integrated endpoint"}};
   const std::uint32_t type = half(capability, 2) >> 4 & 0xF;
-  const std::string name = name_in(kTypes, type);
-  return {name.empty() ? fmt::format("type {}", type) : name, fmt::format("version {}", half(capability, 2) & 0xF),
+  return {name_in(kTypes, type, fmt::format("type {}", type)), fmt::format("version {}", half(capability, 2) & 0xF),
           fmt::format("link of at most {}", link_text(word(capability, 0xC))),
           fmt::format("link now {}", link_text(half(capability, 0x12))),
           fmt::format("payload {} bytes", 128U << (half(capability, 8) >> 5 & 0x7))};

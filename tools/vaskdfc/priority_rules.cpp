@@ -132,11 +132,18 @@ PriorityRules parse_csv(const std::string& name, const std::string& content) {
 Json parsed_json(const std::string& name, const std::string& content) {
   try {
     return Json::parse(content);
-  } catch (const Json::parse_error& error) {
+  } catch (const Json::exception& error) {
+    // The parser's own words, from the place on where it tells one, without its code in brackets.
     const std::string_view text = error.what();
     const std::size_t place = text.find("line ");
-    throw mistake(name, std::string(place == std::string_view::npos ? text : text.substr(place)));
+    throw mistake(name, std::string(text.substr(place != std::string_view::npos ? place : text.find("] ") + 2)));
   }
+}
+
+// A value as text that names numbers and bytes. Lists and objects name neither; they may be nested too deeply to be written.
+std::string spelling_of(const Json& value) {
+  if (value.is_structured()) return value.type_name();
+  return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
 fcp_prio_entry rule_in(const Json& object, const std::string& where) {
@@ -146,7 +153,7 @@ fcp_prio_entry rule_in(const Json& object, const std::string& where) {
   expect_columns(columns, where);
   fcp_prio_entry rule{};
   for (const auto& [column, value] : object.items()) {
-    set_field(rule, column, value.is_string() ? value.get<std::string>() : value.dump(), fmt::format("{}.{}", where, column));
+    set_field(rule, column, spelling_of(value), fmt::format("{}.{}", where, column));
   }
   return rule;
 }

@@ -2,8 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
+
+#include "code_names.h"
 
 namespace vaskdfc::tool {
 namespace {
@@ -19,11 +20,7 @@ constexpr std::array kSharedReasons{CodeName{0x01, "invalid command code"},
 constexpr std::array kSharedExplanations{CodeName{0x00, "no additional explanation"}};
 
 std::string name_in_either(std::span<const CodeName> shared, std::span<const CodeName> own, std::uint8_t code) {
-  for (const auto names : {shared, own}) {
-    const auto found = std::ranges::find(names, code, &CodeName::first);
-    if (found != names.end()) return found->second;
-  }
-  return "unknown";
+  return name_in(shared, code, name_in(own, code, "unknown"));
 }
 
 }  // namespace

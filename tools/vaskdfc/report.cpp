@@ -22,6 +22,8 @@ Cell number_cell(std::uint64_t number) { return {number, fmt::format("{}", numbe
 
 Cell number_cell(std::uint64_t number, std::string_view unit) { return {number, fmt::format("{} {}", number, unit)}; }
 
+Cell decimal_cell(double number, int digits) { return {number, fmt::format("{:.{}f}", number, digits)}; }
+
 Cell flag_cell(bool flag) { return {flag, flag ? "yes" : "no"}; }
 
 Cell list_cell(const std::vector<std::string>& words) {

@@ -24,6 +24,7 @@ Cell absent();
 Cell text_cell(std::string_view text);
 Cell number_cell(std::uint64_t number);
 Cell number_cell(std::uint64_t number, std::string_view unit);
+Cell decimal_cell(double number, int digits);  // of which people read so many behind the point
 Cell flag_cell(bool flag);
 Cell list_cell(const std::vector<std::string>& words);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "code_names.h"
 #include "decode.h"
 #include "failure.h"
 
@@ -38,10 +39,7 @@ constexpr std::array<std::pair<std::uint8_t, const char*>, 7> kPageNames{{{kSupp
                                                                           {0xB1, "block device characteristics"},
                                                                           {0xB2, "logical block provisioning"}}};
 
-std::string name_in(const auto& names, std::uint8_t value) {
-  const auto found = std::ranges::find(names, value, [](const auto& entry) { return entry.first; });
-  return found == names.end() ? fmt::format("0x{:02x}", value) : found->second;
-}
+std::string byte_text(std::uint8_t byte) { return fmt::format("0x{:02x}", byte); }
 
 std::string hex(Bytes bytes) { return fmt::format("{:02x}", fmt::join(bytes, "")); }
 
@@ -106,7 +104,7 @@ std::uint64_t lun_in_memory(const Lun& lun) {
   return memory;
 }
 
-std::string device_type_name(std::uint8_t type) { return name_in(kDeviceTypes, type); }
+std::string device_type_name(std::uint8_t type) { return name_in(kDeviceTypes, type, byte_text(type)); }
 
 std::vector<Field> inquiry_fields(Bytes bytes) {
   const auto byte = [&](std::size_t at, auto cell) { return at < bytes.size() ? cell(bytes[at]) : absent(); };
@@ -146,7 +144,7 @@ std::vector<std::string> supported_pages(Bytes page) {
   return pages;
 }
 
-std::string page_name(std::uint8_t page) { return name_in(kPageNames, page); }
+std::string page_name(std::uint8_t page) { return name_in(kPageNames, page, byte_text(page)); }
 
 std::string serial_number(Bytes page) { return text_of(page_body(page)); }
 
