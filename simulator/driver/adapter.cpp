@@ -12,6 +12,7 @@ Adapter::Adapter(const scenario::Adapter& card, StateStore& store)
       parameters_(card, store),
       priority_(card, store),
       oas_rules_(card, store),
+      management_info_(card, store),
       pci_space_(card, store),
       memory_(card, store) {
   state();

@@ -12,6 +12,7 @@
 #include "driver/clock.h"
 #include "driver/event_queue.h"
 #include "driver/io_counters.h"
+#include "driver/management_info.h"
 #include "driver/oas_rules.h"
 #include "driver/parameters.h"
 #include "driver/pci_space.h"
@@ -45,11 +46,10 @@ class Adapter {
   IoCounters& io() { return io_; }
   PriorityRules& priority() { return priority_; }
   OasRules& oas_rules() { return oas_rules_; }
+  ManagementInfo& management_info() { return management_info_; }
   PciSpace& pci_space() { return pci_space_; }
   // Reached only on adapters of the older interface.
   AdapterMemory& memory() { return memory_; }
-
-  StateStore& store() { return store_; }
 
   // When the counters last started from nothing, on the driver's clock.
   std::optional<Clock::Time> restarted() const { return restarted_; }
@@ -73,6 +73,7 @@ class Adapter {
   IoCounters io_;
   PriorityRules priority_;
   OasRules oas_rules_;
+  ManagementInfo management_info_;
   PciSpace pci_space_;
   AdapterMemory memory_;
   std::optional<Clock::Time> restarted_;

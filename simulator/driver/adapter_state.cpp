@@ -33,6 +33,17 @@ std::string_view name_of(const std::array<std::pair<std::string_view, Value>, N>
   return std::ranges::find(names, value, &std::pair<std::string_view, Value>::second)->first;
 }
 
+json document_of(const AdapterState& state) {
+  json events = json::array();
+  for (const TestEvent& event : state.events) events.push_back({event.first, event.second});
+  return {{"diagnostic_state", name_of(kStateNames, state.diagnostic_state)},
+          {"loopback", name_of(kLoopbackNames, state.loopback)},
+          {"not_ready_reports", state.not_ready_reports},
+          {"generation", state.generation},
+          {"events_raised", state.events_raised},
+          {"events", events}};
+}
+
 struct Reader {
   const std::string& file;
 
@@ -43,6 +54,14 @@ struct Reader {
   const json& member(const json& object, const char* key) const {
     if (!object.contains(key)) damaged(key, "a value");
     return object[key];
+  }
+
+  // What another version has stored would be lost with the next change.
+  void check_members(const json& object) const {
+    const json known = document_of({});
+    for (const auto& [key, value] : object.items()) {
+      if (!known.contains(key)) damaged(key, "nothing of this name");
+    }
   }
 
   std::uint32_t word(const json& value, const char* where) const {
@@ -86,22 +105,13 @@ void AdapterState::raise(TestEvent event) {
   events.push_back(event);
 }
 
-std::string write_state(const AdapterState& state) {
-  json events = json::array();
-  for (const TestEvent& event : state.events) events.push_back({event.first, event.second});
-  const json document{{"diagnostic_state", name_of(kStateNames, state.diagnostic_state)},
-                      {"loopback", name_of(kLoopbackNames, state.loopback)},
-                      {"not_ready_reports", state.not_ready_reports},
-                      {"generation", state.generation},
-                      {"events_raised", state.events_raised},
-                      {"events", events}};
-  return document.dump() + "\n";
-}
+std::string write_state(const AdapterState& state) { return document_of(state).dump() + "\n"; }
 
 AdapterState read_state(const std::string& name, std::string_view text) {
   const Reader reader{name};
   const json document = json::parse(text, nullptr, false);
   if (!document.is_object()) reader.damaged("the whole file", "a JSON object");
+  reader.check_members(document);
   return {
       .diagnostic_state = reader.diagnostic_state(reader.member(document, "diagnostic_state")),
       .loopback = reader.loopback(document),

@@ -7,8 +7,9 @@ Disks::Disks(const scenario::Scenario& scenario, StateStore& store) {
     if (!adapter.fabric) continue;
     for (const scenario::Port& port : adapter.fabric->ports) {
       for (const scenario::LogicalUnit& unit : port.units) {
-        auto& image = images_[unit.serial];
-        if (!image) image = store.disk("disk-" + unit.serial + ".img", std::uint64_t{unit.blocks} * scenario::kBlockBytes);
+        if (images_.contains(unit.serial)) continue;
+        const std::uint64_t blocks = unit.blocks;
+        images_[unit.serial] = store.disk("disk-" + unit.serial + ".img", blocks * scenario::kBlockBytes);
       }
     }
   }

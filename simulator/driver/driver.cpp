@@ -85,8 +85,7 @@ void Driver::write_trace(const TraceEntry& entry) {
 
 // What went wrong once goes wrong at every call.
 void Driver::complain_once(const char* problem) {
-  if (!complained_) complain(problem);
-  complained_ = true;
+  if (complaints_.insert(problem).second) complain(problem);
 }
 
 Adapter* Driver::find_adapter(std::uint32_t board) {

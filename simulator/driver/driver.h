@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -54,7 +55,7 @@ class Driver {
   Disks disks_;
   Clock clock_;
   Faults faults_;
-  bool complained_ = false;
+  std::set<std::string> complaints_;  // that were made
 };
 
 }  // namespace simulator

@@ -4,19 +4,10 @@
 
 #include <algorithm>
 
+#include "scenario/escaped.h"
+
 namespace simulator {
 namespace {
-
-constexpr const char* kName = "kernel.log";
-
-std::string printable(std::string_view message) {
-  std::string text;
-  for (const char letter : message) {
-    const bool plain = letter >= ' ' && letter <= '~' && letter != '\\';
-    text += plain ? std::string(1, letter) : fmt::format("\\x{:02X}", static_cast<unsigned char>(letter));
-  }
-  return text;
-}
 
 // One message a line.
 std::vector<std::string> lines(std::string_view text) {
@@ -29,17 +20,29 @@ std::vector<std::string> lines(std::string_view text) {
   return result;
 }
 
+bool is_log(std::string_view text) {
+  if (!text.empty() && text.back() != '\n') return false;
+  return std::ranges::count(text, '\n') <= static_cast<std::ptrdiff_t>(KernelLog::kMessages) &&
+         std::ranges::all_of(text, [](char letter) { return is_printable(letter) || letter == '\n'; });
+}
+
+KeptBytes::Form form() {
+  return {.holds = is_log, .description = fmt::format("at most {} lines of printable ASCII", KernelLog::kMessages)};
+}
+
 }  // namespace
 
+KernelLog::KernelLog(StateStore& store) : kept_(store, "kernel.log", "", form()) {}
+
 void KernelLog::append(std::string_view message) {
-  store_.update(kName, [&](const std::optional<std::string>& present) {
-    std::vector<std::string> kept = lines(present.value_or(""));
-    kept.push_back(printable(message));
-    if (kept.size() > kMessages) kept.erase(kept.begin(), kept.end() - kMessages);
-    return fmt::format("{}\n", fmt::join(kept, "\n"));
+  kept_.update([&](std::string& kept) {
+    std::vector<std::string> messages = lines(kept);
+    messages.push_back(escaped(message, [](char letter) { return is_printable(letter) && letter != '\\'; }));
+    if (messages.size() > kMessages) messages.erase(messages.begin(), messages.end() - kMessages);
+    kept = fmt::format("{}\n", fmt::join(messages, "\n"));
   });
 }
 
-std::vector<std::string> KernelLog::messages() const { return lines(store_.load(kName).value_or("")); }
+std::vector<std::string> KernelLog::messages() const { return lines(kept_.load()); }
 
 }  // namespace simulator

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/state_store.h"
+#include "driver/kept_bytes.h"
 
 namespace simulator {
 
@@ -13,15 +13,15 @@ class KernelLog {
  public:
   static constexpr std::size_t kMessages = 256;
 
-  // The store must outlive the log.
-  explicit KernelLog(StateStore& store) : store_(store) {}
+  // The store must outlive the log. Throws StateError when what it holds is not a log.
+  explicit KernelLog(StateStore& store);
 
   // Bytes that are not printable ASCII are kept as \xHH. Both throw StateError.
   void append(std::string_view message);
   std::vector<std::string> messages() const;
 
  private:
-  StateStore& store_;
+  KeptBytes kept_;
 };
 
 }  // namespace simulator

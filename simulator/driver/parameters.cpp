@@ -34,6 +34,9 @@ Parameters::Changes Parameters::parse(const std::optional<std::string>& text) co
     return StateError::damaged(store_.describe(name_), where, wanted);
   };
   if (!document.is_object()) throw damaged("the whole file", "a JSON object");
+  for (const auto& [key, value] : document.items()) {
+    if (key != "values" && key != "pending") throw damaged(key, "nothing of this name");
+  }
   const json values = document.value("values", json());
   if (!values.is_object()) throw damaged("values", "an object of parameters");
   for (const auto& [name, value] : values.items()) {

@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <cerrno>
@@ -43,22 +43,33 @@ std::string line(const TraceEntry& entry) {
   return document.dump() + "\n";
 }
 
+// Whether the last line of a file has no end; a trace that cannot be read is taken as it is.
+bool has_torn_end(const std::string& path) {
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  struct stat present {};
+  if (!file.is_open() || fstat(file.get(), &present) != 0 || !S_ISREG(present.st_mode) || present.st_size == 0) return false;
+  char last = '\n';
+  return pread(file.get(), &last, 1, present.st_size - 1) == 1 && last != '\n';
+}
+
 [[noreturn]] void fail(const std::string& path, const char* problem) {
   throw TraceError(fmt::format("{}: {}: {}", path, problem, std::strerror(errno)));
 }
 
 }  // namespace
 
-Trace::Trace(const std::string& path) : path_(path), file_(open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666)) {
-  if (file_ < 0) fail(path_, "cannot be opened for appending");
+Trace::Trace(const std::string& path)
+    : path_(path),
+      file_(beyond_standard(open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666))),
+      ends_in_mid_line_(file_.is_open() && has_torn_end(path)) {
+  if (!file_.is_open()) fail(path_, "cannot be opened for appending");
 }
 
-Trace::~Trace() { close(file_); }
-
 void Trace::write(const TraceEntry& entry) {
-  const std::string text = line(entry);
+  const std::string text = (ends_in_mid_line_ ? "\n" : "") + line(entry);
   errno = ENOSPC;  // what a short write means
-  const ssize_t written = ::write(file_, text.data(), text.size());
+  const ssize_t written = uninterrupted([&] { return ::write(file_.get(), text.data(), text.size()); });
+  if (written > 0) ends_in_mid_line_ = text[static_cast<std::size_t>(written) - 1] != '\n';
   if (written != static_cast<ssize_t>(text.size())) fail(path_, "cannot be written");
 }
 

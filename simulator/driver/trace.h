@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "driver/descriptor.h"
 #include "transport/callbacks.h"
 
 namespace simulator {
@@ -27,16 +28,15 @@ class Trace {
  public:
   // Appends to a file. Throws TraceError.
   explicit Trace(const std::string& path);
-  ~Trace();
-  Trace(const Trace&) = delete;
-  Trace& operator=(const Trace&) = delete;
 
-  // Each line is one write, so that lines of several threads and processes do not mix. Throws TraceError.
+  // Each line is one write, so that lines of several threads and processes do not mix. One that a full disk or a kill has cut short
+  // stays as it is, and the next begins on a line of its own. Throws TraceError.
   void write(const TraceEntry& entry);
 
  private:
   std::string path_;
-  int file_;
+  Descriptor file_;
+  bool ends_in_mid_line_;
 };
 
 }  // namespace simulator

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
-#include "driver/stored_name.h"
 #include "families/port_counters.h"
 #include "scsi/big_endian.h"
 
@@ -43,7 +41,7 @@ Bytes echo(std::span<const std::uint8_t> request) {
 // What is not an adapter's is taken for a disk array.
 HbaMgmtInfo told_by(const Member& member) {
   constexpr std::uint32_t kStorageDevice = 0x0A;
-  if (member.adapter != nullptr) return management_info(*member.adapter);
+  if (member.adapter != nullptr) return member.adapter->management_info().load();
   HbaMgmtInfo info{};
   info.unittype = kStorageDevice;
   return info;
@@ -82,31 +80,6 @@ Bytes link_errors(const Member& member, std::span<const std::uint8_t> request, C
 }
 
 }  // namespace
-
-HbaMgmtInfo management_info(Adapter& adapter) {
-  constexpr std::uint32_t kHost = 0x0B;
-  HbaMgmtInfo info{};
-  const std::string name = stored_name("rnid", adapter.card(), "bin");
-  const auto stored = adapter.store().load(name);
-  if (!stored) {
-    info.wwn = adapter.card().port.wwpn;
-    info.unittype = kHost;
-    info.PortId = adapter.card().port.fc_id;
-    return info;
-  }
-  if (stored->size() != sizeof(info)) {
-    throw StateError::damaged(adapter.store().describe(name), "the whole file", std::to_string(sizeof(info)) + " bytes");
-  }
-  std::memcpy(&info, stored->data(), sizeof(info));
-  return info;
-}
-
-void set_management_info(Adapter& adapter, const HbaMgmtInfo& info) {
-  management_info(adapter);  // what is damaged is not overwritten
-  adapter.store().update(stored_name("rnid", adapter.card(), "bin"), [&](const std::optional<std::string>&) {
-    return std::string(reinterpret_cast<const char*>(&info), sizeof(info));
-  });
-}
 
 Bytes identification(const Member& member, std::uint8_t format) {
   constexpr std::uint8_t kCommonBytes = 16;

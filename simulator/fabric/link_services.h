@@ -6,17 +6,12 @@
 
 #include "fabric/members.h"
 #include "fabric/name_server.h"
-#include "vaskdfc/events.h"
 
 namespace simulator::fabric {
 
 // Which identification an RNID asks for: names alone, or also what a topology is drawn from.
 inline constexpr std::uint8_t kCommonIdentification = 0x00;
 inline constexpr std::uint8_t kTopologyIdentification = 0xDF;
-
-// What an adapter tells in an RNID: what was set last. Both throw StateError.
-HbaMgmtInfo management_info(Adapter& adapter);
-void set_management_info(Adapter& adapter, const HbaMgmtInfo& info);
 
 // The accept of an RNID.
 Bytes identification(const Member& member, std::uint8_t format);

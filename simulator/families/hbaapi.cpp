@@ -88,7 +88,7 @@ void describe_discovered(const Adapter& adapter, std::size_t index, PortAttribut
 }
 
 // The answer to a caller whose view of the fabric is out of date: a success whose FC id no port can have.
-bool is_stale(BoardCall& call, const AdapterState& state, PortAttributesReply& reply) {
+bool is_stale(const BoardCall& call, const AdapterState& state, PortAttributesReply& reply) {
   constexpr std::uint32_t kStaleFcId = 0xFFFFFFFF;
   if (call.header.arg4 == state.generation) return false;
   reply = {};

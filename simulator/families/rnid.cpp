@@ -34,12 +34,12 @@ DriverStatus identify(BoardCall& call, const RnidKey& key, RnidReply& reply) {
 }
 
 DriverStatus get_management_info(BoardCall& call, HbaMgmtInfo& info) {
-  info = fabric::management_info(call.adapter);
+  info = call.adapter.management_info().load();
   return VMKMGMT_SIM_DRIVER_OK;
 }
 
 DriverStatus set_management_info(BoardCall& call, const HbaMgmtInfo& info) {
-  fabric::set_management_info(call.adapter, info);
+  call.adapter.management_info().set(info);
   return VMKMGMT_SIM_DRIVER_OK;
 }
 

@@ -158,7 +158,7 @@ struct Checker {
 
   void check_fault(const json& fault, const std::string& path) {
     if (find_callback(fault["callback"]) == nullptr) {
-      refuse(path + ".callback", fmt::format("expected the name or number of a callback, found {}", fault["callback"].dump()));
+      refuse(path + ".callback", fmt::format("expected the name or number of a callback, found {}", shown(fault["callback"])));
     }
     if (fault.contains("platform_status") && is_zero(fault["platform_status"])) {
       refuse(path + ".platform_status", "expected a status other than 0");

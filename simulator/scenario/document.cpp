@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <set>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
 #include <valijson/schema.hpp>
@@ -13,13 +14,30 @@
 #include <vector>
 
 #include "scenario/embedded.h"
+#include "scenario/escaped.h"
 
 namespace simulator::scenario {
 namespace {
 
 using nlohmann::json;
 
-std::string member_path(const std::string& object, const std::string& key) { return object.empty() ? key : object + "." + key; }
+constexpr std::size_t kLongestValue = 60;    // of a scenario, in a message
+constexpr std::size_t kLongestReason = 400;  // of the parser's, which quote what they are about
+
+std::string cut(const std::string& text, std::size_t longest) {
+  return text.size() <= longest ? text : text.substr(0, longest) + "...";
+}
+
+// A key that no field could have is shown as the text that it is.
+std::string member_path(const std::string& object, const std::string& key) {
+  const bool is_plain = !key.empty() && key.size() <= kLongestValue && std::ranges::all_of(key, [](char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
+           letter == '_' || letter == '$';
+  });
+  if (!is_plain) return fmt::format("{}[{}]", object, shown(key));
+  return object.empty() ? key : object + "." + key;
+}
+
 std::string item_path(const std::string& array, std::size_t index) { return fmt::format("{}[{}]", array, index); }
 
 // "FILE:LINE:COLUMN" of a byte, counted from 1.
@@ -36,7 +54,7 @@ std::string reason(const json::exception& error) {
   const std::string_view what = error.what();
   const auto position_end = what.find(": ");
   const auto code_end = what.find("] ");
-  return std::string(what.substr((position_end != what.npos ? position_end : code_end) + 2));
+  return cut(escaped(what.substr((position_end != what.npos ? position_end : code_end) + 2), is_printable), kLongestReason);
 }
 
 // Follows the parser and refuses a key that stands twice in one object, where the parser itself would keep the last.
@@ -73,7 +91,11 @@ class KeyWatch {
     std::string child() const { return is_array ? item_path(path, index) : member_path(path, key); }
   };
 
-  void open(bool is_array) { levels_.push_back({path(), is_array}); }
+  void open(bool is_array) {
+    constexpr std::size_t kDeepest = 32;  // more than twice what the deepest field needs
+    if (levels_.size() == kDeepest) throw ScenarioError::at(file_, path(), "stands deeper than any field of a scenario");
+    levels_.push_back({path(), is_array});
+  }
   void next() {
     if (!levels_.empty()) ++levels_.back().index;
   }
@@ -126,14 +148,6 @@ std::string member_names(const json& schema) {
   return fmt::format("{}", fmt::join(names, ", "));
 }
 
-std::string shown(const json& value) {
-  constexpr std::size_t kLongest = 60;
-  if (value.is_object()) return "an object";
-  if (value.is_array()) return "a list";
-  const std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
-  return text.size() <= kLongest ? text : text.substr(0, kLongest) + "...";
-}
-
 // Says what is wrong with a value that its schema refuses, in the schema's own words.
 ScenarioError refusal(std::string_view file, const std::string& path, const json& value, const json& schema) {
   const bool object_wanted = schema.at("type") == "object";
@@ -173,20 +187,59 @@ ScenarioError describe(std::string_view file, const json& document, const std::v
   return refusal(file, path, *value, *schema);
 }
 
-void check(std::string_view file, const json& document) {
-  valijson::Schema schema;
-  valijson::SchemaParser parser;
-  parser.populateSchema(valijson::adapters::NlohmannJsonAdapter(schema_document()), schema);
+constexpr const char* kEachItemOnce = "uniqueItems";
 
+// The validator compares every item with every other, for which a list may be too long.
+json schema_for_validator(json node) {
+  if (node.is_object()) node.erase(kEachItemOnce);
+  for (json& child : node) {
+    if (child.is_structured()) child = schema_for_validator(std::move(child));
+  }
+  return node;
+}
+
+void check_each_item_once(std::string_view file, const std::string& path, const json& value, const json& schema) {
+  if (value.is_object()) {
+    for (const auto& [key, member] : value.items()) {
+      check_each_item_once(file, member_path(path, key), member, *member_schema(schema, key));
+    }
+  }
+  if (!value.is_array()) return;
+
+  std::set<json> items;
+  for (std::size_t index = 0; index < value.size(); ++index) {
+    const bool is_new = !schema.contains(kEachItemOnce) || items.insert(value[index]).second;
+    if (!is_new) throw refusal(file, path, value, schema);
+    check_each_item_once(file, item_path(path, index), value[index], resolve(schema.at("items")));
+  }
+}
+
+const valijson::Schema& compiled_schema() {
+  static const auto compiled = [] {
+    auto schema = std::make_unique<valijson::Schema>();
+    const json rules = schema_for_validator(schema_document());
+    valijson::SchemaParser().populateSchema(valijson::adapters::NlohmannJsonAdapter(rules), *schema);
+    return schema;
+  }();
+  return *compiled;
+}
+
+void check(std::string_view file, const json& document) {
   valijson::Validator validator(valijson::Validator::kStrongTypes);
   valijson::ValidationResults results;
-  if (validator.validate(schema, valijson::adapters::NlohmannJsonAdapter(document), &results)) return;
-
-  // Of a chain of errors the first is the innermost.
-  throw describe(file, document, results.begin()->context);
+  if (!validator.validate(compiled_schema(), valijson::adapters::NlohmannJsonAdapter(document), &results)) {
+    throw describe(file, document, results.begin()->context);  // of a chain of errors the first is the innermost
+  }
+  check_each_item_once(file, "", document, schema_document());
 }
 
 }  // namespace
+
+std::string shown(const json& value) {
+  if (value.is_object()) return "an object";
+  if (value.is_array()) return "a list";
+  return cut(value.dump(-1, ' ', true, json::error_handler_t::replace), kLongestValue);
+}
 
 ScenarioError ScenarioError::at(std::string_view file, std::string_view path, std::string_view problem) {
   if (path.empty()) return ScenarioError(fmt::format("{}: {}", file, problem));

@@ -15,6 +15,9 @@ class ScenarioError : public std::runtime_error {
   static ScenarioError at(std::string_view file, std::string_view path, std::string_view problem);
 };
 
+// A value as messages show it: in JSON, without its end where it is long.
+std::string shown(const nlohmann::json& value);
+
 // Parses and checks; `file` is for messages.
 nlohmann::json read_document(std::string_view file, std::string_view text);
 

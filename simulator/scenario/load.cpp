@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "scenario/consistency.h"
@@ -25,6 +26,9 @@ using nlohmann::json;
 
 // The vendor of every adapter of the family.
 constexpr std::uint16_t kFamilyVendor = 0x5A41;
+
+// Room for every adapter with all the virtual ports that it can carry. What never ends, as some devices, is not read for ever.
+constexpr std::size_t kMostBytes = 64 << 20;
 
 // Values are converted only after the schema has accepted the document, so their form is known here.
 
@@ -212,7 +216,10 @@ std::string read_file(const char* path) {
 
   std::string text;
   char piece[4096];
-  while (const std::size_t size = std::fread(piece, 1, sizeof(piece), file.get())) text.append(piece, size);
+  while (const std::size_t size = std::fread(piece, 1, sizeof(piece), file.get())) {
+    text.append(piece, size);
+    if (text.size() > kMostBytes) throw ScenarioError::at(path, "", fmt::format("has more than {} bytes", kMostBytes));
+  }
   if (std::ferror(file.get()) != 0) throw ScenarioError::at(path, "", fmt::format("cannot be read: {}", std::strerror(errno)));
   return text;
 }
@@ -234,7 +241,13 @@ Scenario load_text(std::string_view file, std::string_view text) {
   return scenario;
 }
 
-Scenario load_file(const char* path) { return load_text(path, read_file(path)); }
+Scenario load_file(const char* path) {
+  try {
+    return load_text(path, read_file(path));
+  } catch (const std::bad_alloc&) {
+    throw ScenarioError::at(path, "", "needs more memory than there is");
+  }
+}
 
 Scenario load_default() { return load_text("the built-in scenario", kDefaultScenarioText); }
 

@@ -58,7 +58,7 @@ struct SettingsChecker {
     for (const auto& [name, value] : parameters.items()) {
       const Parameter* const parameter = find_parameter(adapter["sli_mode"], name);
       if (parameter == nullptr)
-        refuse(path, fmt::format("expected parameters of SLI mode {}, found \"{}\"", adapter["sli_mode"].dump(), name));
+        refuse(path, fmt::format("expected parameters of SLI mode {}, found {}", adapter["sli_mode"].dump(), shown(name)));
       if (value >= parameter->minimum && value <= parameter->maximum) continue;
       refuse(fmt::format("{}.{}", path, name),
              fmt::format("expected {} to {}, found {}", parameter->minimum, parameter->maximum, value.dump()));

@@ -63,7 +63,7 @@ TEST(Scenario, syntax_errors_name_line_and_column) {
             ":1:15: syntax error while parsing object key - unexpected '}'; expected string literal");
   EXPECT_EQ(complaint(""), ":1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a literal");
   EXPECT_EQ(complaint("{\"\xff\": 1}"),
-            ":1:3: syntax error while parsing object key - invalid string: ill-formed UTF-8 byte; last read: '\"\xff'; expected "
+            ":1:3: syntax error while parsing object key - invalid string: ill-formed UTF-8 byte; last read: '\"\\xFF'; expected "
             "string literal");
 }
 
