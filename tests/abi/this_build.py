@@ -14,7 +14,9 @@ _facts = json.loads(pathlib.Path(sys.argv[1]).read_text(encoding="utf-8"))
 BINARY = pathlib.Path(_facts["binary"])
 LIBRARY = pathlib.Path(_facts["library"])
 PLATFORM_LIBRARY = pathlib.Path(_facts["platform_library"])
+TOOL = pathlib.Path(_facts["tool"])
 RECORDING_PLATFORM = pathlib.Path(_facts["recording_platform"])
+NAME = _facts["name"]
 VERSION = _facts["version"]
 WORD_SIZE = int(_facts["word_size"])
 C_COMPILER = _facts["c_compiler"]
