@@ -2,7 +2,7 @@
 
 set(VASKDFC_WORD_SIZE 32 CACHE STRING "Word size of everything that is built: 32, the product, or 64")
 set_property(CACHE VASKDFC_WORD_SIZE PROPERTY STRINGS 32 64)
-option(VASKDFC_SANITIZE "Build with the address and undefined behaviour sanitizers" OFF)
+set(VASKDFC_SANITIZE "" CACHE STRING "Sanitizers to build with: address,undefined or thread; none if empty")
 set(VASKDFC_PLATFORM_LIBRARY vmkmgmt CACHE STRING
   "Management library to link: the simulator (vmkmgmt) or, on a real host, the path of the host's own")
 
@@ -53,6 +53,6 @@ if(NOT VASKDFC_SANITIZE)
 endif()
 
 if(VASKDFC_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  add_link_options(-fsanitize=address,undefined)
+  add_compile_options(-fsanitize=${VASKDFC_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VASKDFC_SANITIZE})
 endif()
