@@ -3,6 +3,7 @@
 set(VASKDFC_WORD_SIZE 32 CACHE STRING "Word size of everything that is built: 32, the product, or 64")
 set_property(CACHE VASKDFC_WORD_SIZE PROPERTY STRINGS 32 64)
 set(VASKDFC_SANITIZE "" CACHE STRING "Sanitizers to build with: address,undefined or thread; none if empty")
+option(VASKDFC_FUZZ "Build the fuzzers, with both sanitizers; needs Clang" OFF)
 set(VASKDFC_PLATFORM_LIBRARY vmkmgmt CACHE STRING
   "Management library to link: the simulator (vmkmgmt) or, on a real host, the path of the host's own")
 
@@ -39,6 +40,11 @@ add_library(vaskdfc_warnings INTERFACE)
 target_compile_options(vaskdfc_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wundef -Werror
   $<$<COMPILE_LANGUAGE:CXX>:-Wno-missing-field-initializers>) # designated initialisers name what is not zero
+
+if(VASKDFC_FUZZ)
+  set(VASKDFC_SANITIZE address,undefined)
+  add_compile_options(-fsanitize=fuzzer-no-link -O1)
+endif()
 
 # What is shipped ends at overruns of frames and of buffers of known size, has no page that is both writable and executable, and is
 # bound and read-only once it is loaded. Without optimisation the C library cannot check buffers; sanitizers bring their own checks.
