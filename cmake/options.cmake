@@ -3,6 +3,7 @@
 set(VASKDFC_WORD_SIZE 32 CACHE STRING "Word size of everything that is built: 32, the product, or 64")
 set_property(CACHE VASKDFC_WORD_SIZE PROPERTY STRINGS 32 64)
 set(VASKDFC_SANITIZE "" CACHE STRING "Sanitizers to build with: address,undefined or thread; none if empty")
+option(VASKDFC_COVERAGE "Count which lines and branches are executed" OFF)
 option(VASKDFC_FUZZ "Build the fuzzers, with both sanitizers; needs Clang" OFF)
 set(VASKDFC_PLATFORM_LIBRARY vmkmgmt CACHE STRING
   "Management library to link: the simulator (vmkmgmt) or, on a real host, the path of the host's own")
@@ -49,13 +50,19 @@ endif()
 # What is shipped ends at overruns of frames and of buffers of known size, has no page that is both writable and executable, and is
 # bound and read-only once it is loaded. Without optimisation the C library cannot check buffers; sanitizers bring their own checks.
 add_library(vaskdfc_hardening INTERFACE)
-if(NOT VASKDFC_SANITIZE)
+if(NOT VASKDFC_SANITIZE AND NOT VASKDFC_COVERAGE) # whose checks would count as branches
   target_compile_options(vaskdfc_hardening INTERFACE
     -fstack-protector-strong -fstack-clash-protection
     "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
   target_link_options(vaskdfc_hardening INTERFACE
     -Wl,-z,relro,-z,now,-z,noexecstack
     $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
+endif()
+
+# Tests are counted as well: of an inline function that both use, the linker keeps the test's copy.
+if(VASKDFC_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
 endif()
 
 if(VASKDFC_SANITIZE)
