@@ -163,8 +163,8 @@ TEST(Mailbox, lengths_beyond_the_mailbox_mean_the_mailbox) {
   });
 }
 
-TEST(Mailbox, the_documented_scenario_is_busy_twice_and_then_works) {
-  under_scenario(documented_examples().at(1), [] {
+TEST(Mailbox, the_example_scenario_is_busy_twice_and_then_works) {
+  in_process({{VMKMGMT_SIM_SCENARIO, EXAMPLE_SCENARIOS "/busy-mailbox.json"}}, [] {
     Session session;
     const auto issue = [&](std::uint32_t board) {
       MailboxExchange link(0x02);
