@@ -3,49 +3,37 @@
 The library's files have fixed paths, so the run has a mount namespace of its own with an empty /scratch.
 """
 
-import os
 import pathlib
 import re
 import subprocess
 import sys
 
+import scratch
 import tool
 
-SCRATCH = pathlib.Path("/scratch")
 EXPECTED = pathlib.Path(__file__).resolve().parent / "expected/list.log"
-SKIPPED = 77
 
 # Everything of a line that differs from run to run; its form is checked all the same.
 VARYING = [(r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d  ", "TIME  "), (r" id\[\d+:\d+\]$", " id[PID:TID]"),
            (r"handle\[0x[0-9a-f]+\]", "handle[HANDLE]")]
 
-IN_NAMESPACE = """
-mount -t tmpfs none /scratch && mkdir /scratch/log && echo 'LogLevel 0xf' > /scratch/libvaskdfc.conf || exit 77
+IN_NAMESPACE = f"""{scratch.MOUNT}
+echo 'LogLevel 0xf' > /scratch/libvaskdfc.conf
 "$0" list > /scratch/output || exit 1
 cat /scratch/log/libvaskdfc.log
 """
 
 
-def unshare():
-    """The command that gives a shell a mount namespace of its own."""
-    return ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--user", "--map-root-user", "--mount"]
-
-
 def log_of_list():
     """The log of one `vaskdfc list`; None where no namespace can be had."""
-    made_here = not SCRATCH.exists()
     try:
-        if made_here:
-            SCRATCH.mkdir()
-        # The leak detector cannot look into a process of another namespace.
-        result = subprocess.run([*unshare(), "sh", "-c", IN_NAMESPACE, tool.PROGRAM], capture_output=True, text=True, check=False,
-                                timeout=60, env=tool.environment(ASAN_OPTIONS="detect_leaks=0"))
+        with scratch.mount_point():
+            # The leak detector cannot look into a process of another namespace.
+            result = subprocess.run([*scratch.unshare(), "sh", "-c", IN_NAMESPACE, tool.PROGRAM], capture_output=True, text=True,
+                                    check=False, timeout=60, env=tool.environment(ASAN_OPTIONS="detect_leaks=0"))
     except PermissionError as refused:
         print(f"skipped: {refused}")
         return None
-    finally:
-        if made_here and SCRATCH.exists():
-            SCRATCH.rmdir()
     if result.returncode == 0:
         return result.stdout
     print(result.stderr)
@@ -66,7 +54,7 @@ def main():
     """Compares the log with the expected one, line by line."""
     log = log_of_list()
     if log is None:
-        return SKIPPED
+        return scratch.SKIPPED
     got = [comparable(line) for line in log.splitlines()]
     expected = EXPECTED.read_text(encoding="utf-8").splitlines()
     for number, (mine, theirs) in enumerate(zip(got, expected), start=1):
