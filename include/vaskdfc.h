@@ -1,28 +1,29 @@
-/*
- * vaskdfc: diagnostics and management of Fibre Channel and FCoE host bus adapters.
+/**
+ * @file
+ * Diagnostics and management of Fibre Channel and FCoE host bus adapters.
  *
  * One header for applications. It includes the header of every family of operations:
  *
- *   vaskdfc/transport.h      start, stop, board discovery, diagnostic states
- *   vaskdfc/info.h           revisions, driver information, kernel messages
- *   vaskdfc/parameters.h     driver parameters
- *   vaskdfc/link.h           link, nodes, I/O counters, vital product data
- *   vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
- *   vaskdfc/statistics.h     port statistics
- *   vaskdfc/mapping.h        target mapping, bindings
- *   vaskdfc/events.h         events, RNID
- *   vaskdfc/scsi.h           SCSI and FCP commands
- *   vaskdfc/fabric.h         ELS, CT, management commands
- *   vaskdfc/vport.h          virtual ports
- *   vaskdfc/mailbox.h        SLI mailboxes, dump and update of configuration regions
- *   vaskdfc/access.h         adapter memory, control registers, PCI configuration space
- *   vaskdfc/reset.h          reset and dump of an adapter
- *   vaskdfc/regions.h        configuration regions 22, 23 and 14, persistent link down
- *   vaskdfc/loopback.h       loopback tests
- *   vaskdfc/priority.h       priority of FCP I/O, logical link speed
- *   vaskdfc/oas.h            OAS: rules for single logical units
- *   vaskdfc/fcoe.h           FCFs, FCoE parameters, FCF connect list
- *   vaskdfc/unimplemented.h  entry points that have no function on this platform
+ *     vaskdfc/transport.h      start, stop, board discovery, diagnostic states
+ *     vaskdfc/info.h           revisions, driver information, kernel messages
+ *     vaskdfc/parameters.h     driver parameters
+ *     vaskdfc/link.h           link, nodes, I/O counters, vital product data
+ *     vaskdfc/hbaapi.h         adapter and port attributes in the layout of FC-HBA
+ *     vaskdfc/statistics.h     port statistics
+ *     vaskdfc/mapping.h        target mapping, bindings
+ *     vaskdfc/events.h         events, RNID
+ *     vaskdfc/scsi.h           SCSI and FCP commands
+ *     vaskdfc/fabric.h         ELS, CT, management commands
+ *     vaskdfc/vport.h          virtual ports
+ *     vaskdfc/mailbox.h        SLI mailboxes, dump and update of configuration regions
+ *     vaskdfc/access.h         adapter memory, control registers, PCI configuration space
+ *     vaskdfc/reset.h          reset and dump of an adapter
+ *     vaskdfc/regions.h        configuration regions 22, 23 and 14, persistent link down
+ *     vaskdfc/loopback.h       loopback tests
+ *     vaskdfc/priority.h       priority of FCP I/O, logical link speed
+ *     vaskdfc/oas.h            OAS: rules for single logical units
+ *     vaskdfc/fcoe.h           FCFs, FCoE parameters, FCF connect list
+ *     vaskdfc/unimplemented.h  entry points that have no function on this platform
  *
  * Conventions that hold everywhere:
  *

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Raw access to an adapter, for diagnostics: its memory, its control registers, its PCI configuration space.
  *
  * Nothing protects an adapter from what is written here. Operations differ in their results for failures that look alike;
@@ -18,9 +19,11 @@ extern "C" {
 /** Most bytes that one operation reads or writes, and the last offset in PCI configuration space that is accepted. */
 #define DFC_ACCESS_BYTES 4096u
 
-/* Results of raw access beside those of vaskdfc/result.h. */
-#define DFC_ACCESS_FAILED 22u  /* the call failed, there is no memory for it, or it is longer than DFC_ACCESS_BYTES */
-#define DFC_ACCESS_NOT_SLI3 4u /* memory of an adapter of SLI mode 4 or above */
+/** @name Results of raw access beside those of vaskdfc/result.h
+ *  @{ */
+#define DFC_ACCESS_FAILED 22u  /**< the call failed, there is no memory for it, or it is longer than DFC_ACCESS_BYTES */
+#define DFC_ACCESS_NOT_SLI3 4u /**< memory of an adapter of SLI mode 4 or above */
+/** @} */
 
 /**
  * Reads adapter memory, in SLI mode 3 or below.

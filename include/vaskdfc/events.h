@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Events, and Request Node Identification Data (RNID), in the style of FC-HBA.
  */
 #ifndef VASKDFC_EVENTS_H
@@ -15,7 +16,7 @@ extern "C" {
 
 /** An event as the driver queues it: the event information of FC-HBA. */
 typedef struct HbaEvent {
-  uint8_t bytes[20];
+  uint8_t bytes[20]; /**< The driver's: a code, then what the code calls for. */
 } HbaEvent;
 VASKDFC_RECORD_SIZE(HbaEvent, 20);
 
@@ -24,23 +25,25 @@ extern uint32_t EventMissedCount;
 
 /** What an adapter tells when others ask it for RNID. */
 typedef struct HbaMgmtInfo {
-  HbaWwn wwn;
-  uint32_t unittype;
-  uint32_t PortId;
-  uint32_t NumberOfAttachedNodes;
-  uint16_t IPVersion;
-  uint16_t UDPPort;
-  uint8_t IPAddress[16];
-  uint8_t reserved[2]; /**< Neither sent nor received. */
-  uint16_t TopologyDiscoveryFlags;
+  HbaWwn wwn;                      /**< WWN of the node. */
+  uint32_t unittype;               /**< Kind of unit. */
+  uint32_t PortId;                 /**< Number of the port. */
+  uint32_t NumberOfAttachedNodes;  /**< Nodes attached to the unit. */
+  uint16_t IPVersion;              /**< IP version of the management address. */
+  uint16_t UDPPort;                /**< UDP port of the management address. */
+  uint8_t IPAddress[16];           /**< The management address. */
+  uint8_t reserved[2];             /**< Neither sent nor received. */
+  uint16_t TopologyDiscoveryFlags; /**< Flags for topology discovery. */
 } HbaMgmtInfo;
 VASKDFC_RECORD_SIZE(HbaMgmtInfo, 44);
 VASKDFC_FIELD_AT(HbaMgmtInfo, IPAddress, 24);
 VASKDFC_FIELD_AT(HbaMgmtInfo, TopologyDiscoveryFlags, 42);
 
-/* What a WWN names in SendRNID. */
-#define HBA_RNID_NODE_WWN 0u
-#define HBA_RNID_PORT_WWN 1u
+/** @name What a WWN names in SendRNID
+ *  @{ */
+#define HBA_RNID_NODE_WWN 0u /**< a node */
+#define HBA_RNID_PORT_WWN 1u /**< a port */
+/** @} */
 
 /**
  * Takes the events that the driver has queued.

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Extended Link Services (ELS), Common Transport (CT) requests to fabric services, and management commands and responses: the
  * payload of a frame goes out, the payload of the reply comes back.
  *
@@ -17,13 +18,13 @@ extern "C" {
 
 /** Describes an ELS request to the driver; its layout is the driver's. */
 typedef struct dfc_els_descriptor {
-  uint8_t bytes[16];
+  uint8_t bytes[16]; /**< The driver's. */
 } dfc_els_descriptor;
 VASKDFC_RECORD_SIZE(dfc_els_descriptor, 16);
 
 /** Describes a management command to the driver; its layout is the driver's. */
 typedef struct dfc_mgmt_command {
-  uint8_t bytes[8];
+  uint8_t bytes[8]; /**< The driver's. */
 } dfc_mgmt_command;
 VASKDFC_RECORD_SIZE(dfc_mgmt_command, 8);
 
@@ -32,22 +33,29 @@ VASKDFC_RECORD_SIZE(dfc_mgmt_command, 8);
 /** Longest CT or management request and reply, in bytes. */
 #define DFC_SERVICE_BYTES 245760u
 
-/* Results of DFC_SendELSCmd beside those of vaskdfc/result.h. */
-#define DFC_ELS_BAD000A 3u /* driver status 0xbad000a */
+/** @name Results of DFC_SendELSCmd beside those of vaskdfc/result.h
+ *  @{ */
+#define DFC_ELS_BAD000A 3u /**< driver status 0xbad000a */
+/** @} */
 
-/* Results of GetCTInfo that are no lengths. */
-#define DFC_CT_BAD0021 0      /* driver status 0xbad0021 */
-#define DFC_CT_BAD005A (-1)   /* driver status 0xbad005a */
-#define DFC_CT_NO_MEMORY (-2) /* no memory, or driver status 0xbad0014 */
-#define DFC_CT_TOO_LONG (-3)  /* the request is too long, or driver status 0xbad005d */
-#define DFC_CT_FAILED (-4)    /* no well-known address, or any other failure */
+/** @name Results of GetCTInfo that are no lengths
+ *  @{ */
+#define DFC_CT_BAD0021 0      /**< driver status 0xbad0021 */
+#define DFC_CT_BAD005A (-1)   /**< driver status 0xbad005a */
+#define DFC_CT_NO_MEMORY (-2) /**< no memory, or driver status 0xbad0014 */
+#define DFC_CT_TOO_LONG (-3)  /**< the request is too long, or driver status 0xbad005d */
+#define DFC_CT_FAILED (-4)    /**< no well-known address, or any other failure */
+/** @} */
 
-/* Results of SendMgmtCommand and SendMgmtResponse. The two name driver status 0xbad0021 differently. */
-#define DFC_MGMT_RESPONSE_BAD0021 250u
-#define DFC_MGMT_FAILED 252u
-#define DFC_MGMT_BAD005A 253u
-#define DFC_MGMT_COMMAND_BAD0021 254u
-#define DFC_MGMT_TOO_LONG 255u /* driver status 0xbad005d */
+/** @name Results of SendMgmtCommand and SendMgmtResponse
+ *  The two name driver status 0xbad0021 differently.
+ *  @{ */
+#define DFC_MGMT_RESPONSE_BAD0021 250u /**< SendMgmtResponse: driver status 0xbad0021 */
+#define DFC_MGMT_FAILED 252u           /**< any failure not named here */
+#define DFC_MGMT_BAD005A 253u          /**< driver status 0xbad005a */
+#define DFC_MGMT_COMMAND_BAD0021 254u  /**< SendMgmtCommand: driver status 0xbad0021 */
+#define DFC_MGMT_TOO_LONG 255u         /**< driver status 0xbad005d */
+/** @} */
 
 /**
  * Sends an ELS request.

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * FCoE: the Fibre Channel Forwarders (FCFs) that a port has discovered, and two settings kept in configuration region 23: the FCoE
  * parameters and the list of FCFs that the port may log in to.
  *

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Adapter and port attributes in the layout of FC-HBA, the common HBA management API.
  *
  * Values are the driver's: port types, port states, speeds, classes of service and FC-4 maps are encoded as FC-HBA encodes
@@ -17,25 +18,25 @@ extern "C" {
 
 /** World-wide name: eight bytes, never reordered. */
 typedef struct HbaWwn {
-  uint8_t wwn[8];
+  uint8_t wwn[8]; /**< In the order in which a WWN is written. */
 } HbaWwn;
 VASKDFC_RECORD_SIZE(HbaWwn, 8);
 
 /** Adapter attributes. */
 typedef struct HbaAdapterAttributes {
-  char Manufacturer[64];
-  char SerialNumber[64];
-  char Model[256];
-  char ModelDescription[256];
-  HbaWwn NodeWWN;
-  char NodeSymbolicName[256];
-  char HardwareVersion[256];
-  char DriverVersion[256];
-  char OptionROMVersion[256];
-  char FirmwareVersion[256];
-  uint32_t VendorSpecificID;
-  uint32_t NumberOfPorts;
-  char DriverName[256];
+  char Manufacturer[64];      /**< Who made the adapter. */
+  char SerialNumber[64];      /**< The adapter's serial number. */
+  char Model[256];            /**< Model name. */
+  char ModelDescription[256]; /**< What the model is, in words. */
+  HbaWwn NodeWWN;             /**< The adapter's node WWN. */
+  char NodeSymbolicName[256]; /**< Symbolic node name, as the name server knows it. */
+  char HardwareVersion[256];  /**< Version of the hardware. */
+  char DriverVersion[256];    /**< Version of the driver. */
+  char OptionROMVersion[256]; /**< Version of the option ROM. */
+  char FirmwareVersion[256];  /**< Version of the firmware. */
+  uint32_t VendorSpecificID;  /**< Identifies the model to its maker. */
+  uint32_t NumberOfPorts;     /**< Ports of the adapter. */
+  char DriverName[256];       /**< Name of the driver. */
 } HbaAdapterAttributes;
 VASKDFC_RECORD_SIZE(HbaAdapterAttributes, 2192);
 VASKDFC_FIELD_AT(HbaAdapterAttributes, Model, 128);
@@ -46,21 +47,21 @@ VASKDFC_FIELD_AT(HbaAdapterAttributes, DriverName, 1936);
 
 /** Port attributes. */
 typedef struct HbaPortAttributes {
-  HbaWwn NodeWWN;
-  HbaWwn PortWWN;
-  uint32_t PortFcId; /**< 24-bit N_Port identifier in the low bits. */
-  uint32_t PortType;
-  uint32_t PortState;
-  uint32_t PortSupportedClassofService;
-  uint8_t PortSupportedFc4Types[32];
-  uint8_t PortActiveFc4Types[32];
-  char PortSymbolicName[256];
-  char OSDeviceName[256]; /**< The driver knows 114 bytes; bytes 114 and 115 are unspecified, the rest is the caller's. */
-  uint32_t PortSupportedSpeed;
-  uint32_t PortSpeed;
-  uint32_t PortMaxFrameSize; /**< Bytes. */
-  HbaWwn FabricName;
-  uint32_t NumberofDiscoveredPorts;
+  HbaWwn NodeWWN;                       /**< Node WWN. */
+  HbaWwn PortWWN;                       /**< Port WWN. */
+  uint32_t PortFcId;                    /**< 24-bit N_Port identifier in the low bits. */
+  uint32_t PortType;                    /**< Kind of port. */
+  uint32_t PortState;                   /**< What the port does now. */
+  uint32_t PortSupportedClassofService; /**< A bit for each class of service. */
+  uint8_t PortSupportedFc4Types[32];    /**< A bit for each FC-4 type that the port can serve. */
+  uint8_t PortActiveFc4Types[32];       /**< A bit for each FC-4 type that it serves now. */
+  char PortSymbolicName[256];           /**< Symbolic port name, as the name server knows it. */
+  char OSDeviceName[256];           /**< The driver knows 114 bytes; bytes 114 and 115 are unspecified, the rest is the caller's. */
+  uint32_t PortSupportedSpeed;      /**< A bit for each speed. */
+  uint32_t PortSpeed;               /**< The speed of the link now. */
+  uint32_t PortMaxFrameSize;        /**< Bytes. */
+  HbaWwn FabricName;                /**< WWN of the fabric. */
+  uint32_t NumberofDiscoveredPorts; /**< Ports that this one has discovered. */
 } HbaPortAttributes;
 VASKDFC_RECORD_SIZE(HbaPortAttributes, 632);
 VASKDFC_FIELD_AT(HbaPortAttributes, PortSymbolicName, 96);

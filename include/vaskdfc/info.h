@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Revisions, driver information, kernel messages and test events.
  */
 #ifndef VASKDFC_INFO_H
@@ -61,13 +62,13 @@ VASKDFC_FIELD_AT(dfc_drv_info, sli_mode, 136);
 
 /** The driver's module information; its layout is the driver's. */
 typedef struct dfc_module_info {
-  uint8_t bytes[6276];
+  uint8_t bytes[6276]; /**< The driver's. */
 } dfc_module_info;
 VASKDFC_RECORD_SIZE(dfc_module_info, 6276);
 
 /** A message for the driver's log, sent as it is. */
 typedef struct dfc_kernel_message {
-  char text[64];
+  char text[64]; /**< All of it is sent. */
 } dfc_kernel_message;
 VASKDFC_RECORD_SIZE(dfc_kernel_message, 64);
 

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * What the driver keeps about an adapter's link, the nodes it knows, its I/O and its vital product data (VPD). The library passes
  * these records on unchanged; fields named after their offset mean what the driver says.
  */
@@ -16,53 +17,55 @@ extern "C" {
 
 /** The link of an adapter. */
 typedef struct dfc_link_info {
-  uint32_t words_0[5];
-  uint8_t bytes_20[4];
-  uint8_t bytes_24[128];
-  uint32_t words_152[4];
+  uint32_t words_0[5];   /**< The driver's. */
+  uint8_t bytes_20[4];   /**< The driver's. */
+  uint8_t bytes_24[128]; /**< The driver's. */
+  uint32_t words_152[4]; /**< The driver's. */
 } dfc_link_info;
 VASKDFC_RECORD_SIZE(dfc_link_info, 168);
 VASKDFC_FIELD_AT(dfc_link_info, words_152, 152);
 
 /** A remote node as an adapter knows it. */
 typedef struct dfc_node_info {
-  uint16_t half_0;
-  uint16_t half_2;
-  uint32_t word_4;
-  HbaWwn name_8;
-  HbaWwn name_16;
-  uint32_t word_24;
+  uint16_t half_0;  /**< The driver's. */
+  uint16_t half_2;  /**< The driver's. */
+  uint32_t word_4;  /**< The driver's. */
+  HbaWwn name_8;    /**< The driver's. */
+  HbaWwn name_16;   /**< The driver's. */
+  uint32_t word_24; /**< The driver's. */
 } dfc_node_info;
 VASKDFC_RECORD_SIZE(dfc_node_info, 28);
 VASKDFC_FIELD_AT(dfc_node_info, name_16, 16);
 
 /** The remote nodes that an adapter knows. */
 typedef struct dfc_node_table {
-  dfc_node_info entries[512];
+  dfc_node_info entries[512]; /**< As many as the operation returns; the others are 0. */
 } dfc_node_table;
 VASKDFC_RECORD_SIZE(dfc_node_table, 14336);
 
 /** I/O counters of an adapter. */
 typedef struct dfc_io_info {
-  uint32_t counters[24];
+  uint32_t counters[24]; /**< The driver's. */
 } dfc_io_info;
 VASKDFC_RECORD_SIZE(dfc_io_info, 96);
 
 /** Vital product data. The three texts fill their fields and need not end with a NUL. */
 typedef struct dfc_vpd_info {
-  uint32_t selector; /**< In: what is asked for; out: the first word of the reply. */
-  char text_4[256];
-  char text_260[80];
-  char text_340[256];
-  uint32_t words_596[5];
+  uint32_t selector;     /**< In: what is asked for; out: the first word of the reply. */
+  char text_4[256];      /**< The driver's. */
+  char text_260[80];     /**< The driver's. */
+  char text_340[256];    /**< The driver's. */
+  uint32_t words_596[5]; /**< The driver's. */
 } dfc_vpd_info;
 VASKDFC_RECORD_SIZE(dfc_vpd_info, 616);
 VASKDFC_FIELD_AT(dfc_vpd_info, text_340, 340);
 VASKDFC_FIELD_AT(dfc_vpd_info, words_596, 596);
 
-/* Results of GetVPDInfo. */
-#define DFC_VPD_BAD0084 1u /* driver status 0xbad0084 */
-#define DFC_VPD_FAILED 3u  /* any other failure */
+/** @name Results of GetVPDInfo
+ *  @{ */
+#define DFC_VPD_BAD0084 1u /**< driver status 0xbad0084 */
+#define DFC_VPD_FAILED 3u  /**< any other failure */
+/** @} */
 
 /**
  * Describes the link of an adapter.

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Loopback: configure it, send data through it as often as wanted, end it. The library keeps no state between these calls and
  * neither makes nor compares data: what was received is the caller's to judge.
  */
@@ -24,15 +25,19 @@ typedef struct dfc_loopback {
 } dfc_loopback;
 VASKDFC_POINTER_RECORD_SIZE(dfc_loopback, 12, 24);
 
-/* Modes of DFC_ConfigLoopback. */
-#define DFC_LOOPBACK_MODE_1 1u
-#define DFC_LOOPBACK_MODE_2 2u /* the driver is told 4 */
+/** @name Modes of DFC_ConfigLoopback
+ *  @{ */
+#define DFC_LOOPBACK_MODE_1 1u /**< the driver is told 1 */
+#define DFC_LOOPBACK_MODE_2 2u /**< the driver is told 4 */
+/** @} */
 
-/* Results of loopback operations beside those of vaskdfc/result.h. */
-#define DFC_LOOPBACK_BAD0021 2u      /* driver status 0xbad0021 */
-#define DFC_LOOPBACK_NO_SUCH_MODE 3u /* DFC_ConfigLoopback */
-#define DFC_LOOPBACK_BAD0039 3u      /* DFC_RunLoopbackTest: driver status 0xbad0039 */
-#define DFC_LOOPBACK_BAD000A 6u      /* DFC_RunLoopbackTest: driver status 0xbad000a */
+/** @name Results of loopback operations beside those of vaskdfc/result.h
+ *  @{ */
+#define DFC_LOOPBACK_BAD0021 2u      /**< DFC_ConfigLoopback, DFC_EndLoopback: driver status 0xbad0021 */
+#define DFC_LOOPBACK_NO_SUCH_MODE 3u /**< DFC_ConfigLoopback: neither of the two modes */
+#define DFC_LOOPBACK_BAD0039 3u      /**< DFC_RunLoopbackTest: driver status 0xbad0039 */
+#define DFC_LOOPBACK_BAD000A 6u      /**< DFC_RunLoopbackTest: driver status 0xbad000a */
+/** @} */
 
 /**
  * Puts the adapter's port into a loopback mode.

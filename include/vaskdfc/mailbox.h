@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * SLI mailboxes: pass-through with and without retries, and the dump and update-configuration mailboxes that read and write
  * configuration regions.
  *
@@ -8,9 +9,9 @@
  * Four commands carry addresses of the caller's memory. The library takes lengths (low 24 bits of a word) and addresses (32
  * bits; on 64-bit systems they name memory below 4 GiB) from the mailbox as the caller passed it, and copies the data itself:
  *
- *   command           to the adapter                 from the adapter
- *   0x84              length at 8, address at 12     length at 20, address at 24
- *   0x38, 0x8D, 0x8F  none                           length at 12, address at 16
+ *     command           to the adapter                 from the adapter
+ *     0x84              length at 8, address at 12     length at 20, address at 24
+ *     0x38, 0x8D, 0x8F  none                           length at 12, address at 16
  *
  * A length above 4096 bytes in one of these is a programming error: the process stops with "write_size <= 4096" or
  * "read_size <= 4096".
@@ -32,26 +33,34 @@ extern "C" {
 /** Words of extension data that the retry wrapper passes on in each direction. */
 #define DFC_MBOX_EXTENSION_WORDS 512u
 
-/* Mailbox statuses of the library's own. */
-#define DFC_MBOX_STATUS_FAILED 252u         /* a limit was exceeded, or the call failed in a way not named below */
-#define DFC_MBOX_STATUS_BUSY 253u           /* driver status 0xbad0039; the retry wrappers send again */
-#define DFC_MBOX_STATUS_DRIVER_BAD0004 254u /* driver status 0xbad0004 */
+/** @name Mailbox statuses of the library's own
+ *  @{ */
+#define DFC_MBOX_STATUS_FAILED 252u         /**< a limit was exceeded, or the call failed in a way not named below */
+#define DFC_MBOX_STATUS_BUSY 253u           /**< driver status 0xbad0039; the retry wrappers send again */
+#define DFC_MBOX_STATUS_DRIVER_BAD0004 254u /**< driver status 0xbad0004 */
+/** @} */
 
-/* Results of mailbox operations beside those of vaskdfc/result.h. */
-#define DFC_MBOX_GAVE_UP 2u    /* retries used up, or a status that is not worth a retry */
-#define DFC_MBOX_NOT_TAKEN 3u  /* driver status 0xbad005a; IssueMbox: the adapter takes other mailboxes */
-#define DFC_MBOX_WRONG_KIND 4u /* the retry wrapper of SLI mode 4: not an adapter or not a mailbox of that kind */
+/** @name Results of mailbox operations beside those of vaskdfc/result.h
+ *  @{ */
+#define DFC_MBOX_GAVE_UP 2u    /**< retries used up, or a status that is not worth a retry */
+#define DFC_MBOX_NOT_TAKEN 3u  /**< driver status 0xbad005a; IssueMbox: the adapter takes other mailboxes */
+#define DFC_MBOX_WRONG_KIND 4u /**< the retry wrapper of SLI mode 4: not an adapter or not a mailbox of that kind */
+/** @} */
 
-/* Results of DFC_IssueDumpMBox and LEG_IssueDumpMBox. */
-#define DFC_DUMP_UNKNOWN_REGION 3u
-#define DFC_DUMP_NO_BUFFER 4u
-#define DFC_DUMP_COMPLETED_FFFD 4u /* the adapter completed the dump with 0xFFFD */
-#define DFC_DUMP_COMPLETED_FFF7 5u /* ... with 0xFFF7 */
-#define DFC_DUMP_COMPLETED_FFF6 6u /* ... with 0xFFF6 */
+/** @name Results of DFC_IssueDumpMBox and LEG_IssueDumpMBox
+ *  @{ */
+#define DFC_DUMP_UNKNOWN_REGION 3u /**< no adapter has a region of this number */
+#define DFC_DUMP_NO_BUFFER 4u      /**< the buffer is null */
+#define DFC_DUMP_COMPLETED_FFFD 4u /**< the adapter completed the dump with 0xFFFD */
+#define DFC_DUMP_COMPLETED_FFF7 5u /**< the adapter completed it with 0xFFF7 */
+#define DFC_DUMP_COMPLETED_FFF6 6u /**< the adapter completed it with 0xFFF6 */
+/** @} */
 
-/** The dump type that reads configuration regions, and the only update type. */
-#define DFC_DUMP_TYPE_REGION 2u
-#define DFC_UPDATE_TYPE_REGION 2u
+/** @name Dump and update types
+ *  @{ */
+#define DFC_DUMP_TYPE_REGION 2u   /**< the dump type that reads configuration regions */
+#define DFC_UPDATE_TYPE_REGION 2u /**< the only update type */
+/** @} */
 
 /**
  * Sends one mailbox to an adapter of SLI mode 3 or below.

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Target mapping and bindings in the layouts of FC-HBA: which remote logical units the driver has mapped to SCSI addresses of the
  * operating system.
  *
@@ -18,18 +19,18 @@ extern "C" {
 
 /** SCSI address of the operating system. */
 typedef struct HbaScsiId {
-  char OSDeviceName[256];
-  uint32_t ScsiBusNumber;
-  uint32_t ScsiTargetNumber;
-  uint32_t ScsiOSLun;
+  char OSDeviceName[256];    /**< The host's name of the unit. */
+  uint32_t ScsiBusNumber;    /**< Bus. */
+  uint32_t ScsiTargetNumber; /**< Target. */
+  uint32_t ScsiOSLun;        /**< Logical unit. */
 } HbaScsiId;
 VASKDFC_RECORD_SIZE(HbaScsiId, 268);
 
 /** Fibre Channel address of a logical unit. */
 typedef struct HbaFcpId {
-  uint32_t FcId; /**< 24-bit N_Port identifier in the low bits. */
-  HbaWwn NodeWWN;
-  HbaWwn PortWWN;
+  uint32_t FcId;     /**< 24-bit N_Port identifier in the low bits. */
+  HbaWwn NodeWWN;    /**< Node WWN of the remote port. */
+  HbaWwn PortWWN;    /**< Port WWN of the remote port. */
   uint8_t FcpLun[8]; /**< In FCP LUN byte order. */
 } HbaFcpId;
 VASKDFC_RECORD_SIZE(HbaFcpId, 28);
@@ -37,16 +38,16 @@ VASKDFC_FIELD_AT(HbaFcpId, FcpLun, 20);
 
 /** A mapped logical unit, first form. */
 typedef struct HbaFcpScsiEntry {
-  HbaScsiId ScsiId;
-  HbaFcpId FcpId;
+  HbaScsiId ScsiId; /**< Where the operating system has the unit. */
+  HbaFcpId FcpId;   /**< Where the fabric has it. */
 } HbaFcpScsiEntry;
 VASKDFC_RECORD_SIZE(HbaFcpScsiEntry, 296);
 VASKDFC_FIELD_AT(HbaFcpScsiEntry, FcpId, 268);
 
 /** A mapped logical unit, second form. */
 typedef struct HbaFcpScsiEntryV2 {
-  HbaScsiId ScsiId;
-  HbaFcpId FcpId;
+  HbaScsiId ScsiId;  /**< Where the operating system has the unit. */
+  HbaFcpId FcpId;    /**< Where the fabric has it. */
   uint8_t LUID[256]; /**< One SCSI device identification descriptor: a header of 4 bytes, then the identifier. */
 } HbaFcpScsiEntryV2;
 VASKDFC_RECORD_SIZE(HbaFcpScsiEntryV2, 552);
@@ -54,27 +55,27 @@ VASKDFC_FIELD_AT(HbaFcpScsiEntryV2, LUID, 296);
 
 /** Target mapping, first form, in a buffer of 4 + 296 * NumberOfEntries bytes. */
 typedef struct HbaFcpTargetMapping {
-  uint32_t NumberOfEntries;
+  uint32_t NumberOfEntries; /**< In: room, in entries. Out: the count, which may be more. */
   HbaFcpScsiEntry entry[1]; /**< As many as there is room for. */
 } HbaFcpTargetMapping;
 VASKDFC_RECORD_SIZE(HbaFcpTargetMapping, 300);
 
 /** Target mapping, second form, in a buffer of 4 + 552 * NumberOfEntries bytes. */
 typedef struct HbaFcpTargetMappingV2 {
-  uint32_t NumberOfEntries;
+  uint32_t NumberOfEntries;   /**< In: room, in entries. Out: the count, which may be more. */
   HbaFcpScsiEntryV2 entry[1]; /**< As many as there is room for. */
 } HbaFcpTargetMappingV2;
 VASKDFC_RECORD_SIZE(HbaFcpTargetMappingV2, 556);
 
 /** A persistent binding; its layout is the driver's. */
 typedef struct FcpBinding {
-  uint32_t words[8];
+  uint32_t words[8]; /**< The driver's. */
 } FcpBinding;
 VASKDFC_RECORD_SIZE(FcpBinding, 32);
 
 /** Persistent bindings, in a buffer of 4 + 32 * count bytes. */
 typedef struct FcpBindList {
-  uint32_t count;
+  uint32_t count;        /**< In: room, in entries. Out: as the driver filled it. */
   FcpBinding entries[1]; /**< As many as there is room for. */
 } FcpBindList;
 VASKDFC_RECORD_SIZE(FcpBindList, 36);

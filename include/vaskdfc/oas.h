@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * OAS: rules for single logical units. A rule names a LUN behind a remote port as seen from a local port, physical or virtual.
  */
 #ifndef VASKDFC_OAS_H
@@ -15,13 +16,13 @@ extern "C" {
 
 /** A rule. Fields named after an offset carry what the driver's record holds at that offset; their meaning is the driver's. */
 typedef struct oas_lun_entry {
-  uint8_t lun[8]; /**< The LUN in the 8-byte form of SCSI, its number in byte 1. */
-  uint32_t word_16;
-  uint32_t word_20;
+  uint8_t lun[8];       /**< The LUN in the 8-byte form of SCSI, its number in byte 1. */
+  uint32_t word_16;     /**< The driver's. */
+  uint32_t word_20;     /**< The driver's. */
   uint8_t flag_bit_1;   /**< 1 or 0. */
   uint8_t flag_bit_0;   /**< 1 or 0. */
   uint8_t caller_18[2]; /**< Not written. */
-  uint8_t bytes_0[16];
+  uint8_t bytes_0[16];  /**< The driver's. */
 } oas_lun_entry;
 VASKDFC_RECORD_SIZE(oas_lun_entry, 36);
 VASKDFC_FIELD_AT(oas_lun_entry, flag_bit_1, 16);
@@ -29,20 +30,22 @@ VASKDFC_FIELD_AT(oas_lun_entry, bytes_0, 20);
 
 /** Rules, in a buffer of 4 + 36 * numEntries bytes. */
 typedef struct dfc_oas_lun_list {
-  uint32_t numEntries;
+  uint32_t numEntries;      /**< In: room, in rules. Out: the driver's count, which may be more. */
   oas_lun_entry entries[1]; /**< As many as there is room for; at most 256 are received. */
 } dfc_oas_lun_list;
 VASKDFC_RECORD_SIZE(dfc_oas_lun_list, 40);
 
-/* Results of OAS operations beside those of vaskdfc/result.h. */
-#define DFC_OAS_BAD0010 5u         /* DFC_GetOASLunList: driver status 0xbad0010 */
-#define DFC_OAS_BAD000F 15u        /* DFC_GetOASLunList: driver status 0xbad000f */
-#define DFC_OAS_BAD0006 16u        /* DFC_SetOASLun: driver status 0xbad0006, or no memory for the rule */
-#define DFC_OAS_NO_NODES 17u       /* DFC_SetOASLun: the nodes of the local port cannot be read */
-#define DFC_OAS_NO_REMOTE_PORT 18u /* DFC_SetOASLun: the remote port is not among them */
-#define DFC_OAS_BAD0020 32u        /* driver status 0xbad0020; DFC_SetOASLun: also any driver status of the version query */
-#define DFC_OAS_BAD0030 33u        /* driver status 0xbad0030 */
-#define DFC_OAS_BAD002B 34u        /* DFC_SetOASLun: driver status 0xbad002b or 0xbad002c */
+/** @name Results of OAS operations beside those of vaskdfc/result.h
+ *  @{ */
+#define DFC_OAS_BAD0010 5u         /**< DFC_GetOASLunList: driver status 0xbad0010 */
+#define DFC_OAS_BAD000F 15u        /**< DFC_GetOASLunList: driver status 0xbad000f */
+#define DFC_OAS_BAD0006 16u        /**< DFC_SetOASLun: driver status 0xbad0006, or no memory for the rule */
+#define DFC_OAS_NO_NODES 17u       /**< DFC_SetOASLun: the nodes of the local port cannot be read */
+#define DFC_OAS_NO_REMOTE_PORT 18u /**< DFC_SetOASLun: the remote port is not among them */
+#define DFC_OAS_BAD0020 32u        /**< driver status 0xbad0020; DFC_SetOASLun: also any driver status of the version query */
+#define DFC_OAS_BAD0030 33u        /**< driver status 0xbad0030 */
+#define DFC_OAS_BAD002B 34u        /**< DFC_SetOASLun: driver status 0xbad002b or 0xbad002c */
+/** @} */
 
 /**
  * Sets or removes a rule, then makes sure that the local port knows the remote port. The two are separate driver calls: the rule

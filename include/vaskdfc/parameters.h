@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Driver parameters: the table of tunable values that the driver keeps for every adapter. What an entry holds, and what a value
  * means, is the driver's.
  */
@@ -15,13 +16,13 @@ extern "C" {
 
 /** One parameter; the layout is the driver's. */
 typedef struct dfc_cfg_entry {
-  uint8_t bytes[132];
+  uint8_t bytes[132]; /**< The driver's. */
 } dfc_cfg_entry;
 VASKDFC_RECORD_SIZE(dfc_cfg_entry, 132);
 
 /** The parameters of one adapter. */
 typedef struct dfc_cfg_table {
-  dfc_cfg_entry entries[64];
+  dfc_cfg_entry entries[64]; /**< As many as the operation returns; the others are 0 unless the driver wrote them. */
 } dfc_cfg_table;
 VASKDFC_RECORD_SIZE(dfc_cfg_table, 8448);
 

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * The platform's user-side management library, as this library uses it.
  *
  * Applications do not need this header. It is for whoever stands on the other side: a replacement for the platform library,
@@ -18,17 +19,17 @@ extern "C" {
 
 /** Parameter 0 of every callback, in and out: twelve little-endian words. */
 typedef struct dfc_mgmt_hdr {
-  uint32_t brdno; /**< Driver board number; 0 in calls that address no board. */
-  uint32_t arg1;  /**< The argument words mean what the callback says; words that it does not use are 0. */
-  uint32_t arg2;  /**< By convention the byte length of the buffer that is offered to the driver. */
-  uint32_t arg3;  /**< By convention the number of bytes that the driver returned. */
-  uint32_t arg4;
-  uint32_t arg5;
-  uint32_t arg6;
-  uint32_t arg7;
-  uint32_t rsvd1; /**< Always sent as 0, as are the two words below. */
-  uint32_t rsvd2;
-  uint32_t rsvd3;
+  uint32_t brdno;  /**< Driver board number; 0 in calls that address no board. */
+  uint32_t arg1;   /**< The argument words mean what the callback says; words that it does not use are 0. */
+  uint32_t arg2;   /**< By convention the byte length of the buffer that is offered to the driver. */
+  uint32_t arg3;   /**< By convention the number of bytes that the driver returned. */
+  uint32_t arg4;   /**< As arg1. */
+  uint32_t arg5;   /**< As arg1. */
+  uint32_t arg6;   /**< As arg1. */
+  uint32_t arg7;   /**< As arg1. */
+  uint32_t rsvd1;  /**< Always sent as 0, as are the two words below. */
+  uint32_t rsvd2;  /**< As rsvd1. */
+  uint32_t rsvd3;  /**< As rsvd1. */
   uint32_t status; /**< Driver status, written by the driver; 0 is success. */
 } dfc_mgmt_hdr;
 VASKDFC_RECORD_SIZE(dfc_mgmt_hdr, 48);
@@ -60,6 +61,7 @@ VASKDFC_POINTER_RECORD_SIZE(dfc_mgmt_signature, 76, 80);
 VASKDFC_FIELD_AT(dfc_mgmt_signature, vendor, 36);
 VASKDFC_FIELD_AT(dfc_mgmt_signature, callbacks, 72);
 
+/** An open handle; what it points to is the platform's. */
 typedef void* vmk_MgmtUserHandle;
 
 /**

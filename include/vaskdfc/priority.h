@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Priority of FCP I/O: a table of rules, a flag that switches it on and off, and the logical link speed.
  *
  * The driver evaluates the rules. The library puts the most specific ones first and beyond that does not interpret them: what a
@@ -17,19 +18,19 @@ extern "C" {
 
 /** A rule. A key of eight bytes 0xFF is a wildcard that matches everything. */
 typedef struct fcp_prio_entry {
-  uint8_t match1[8];
-  uint8_t match2[8];
-  uint8_t match3[8];
-  uint8_t match4[8];
-  uint32_t prio; /**< Priority of what matches; the driver's. */
+  uint8_t match1[8]; /**< First key. */
+  uint8_t match2[8]; /**< Second key. */
+  uint8_t match3[8]; /**< Third key. */
+  uint8_t match4[8]; /**< Fourth key. */
+  uint32_t prio;     /**< Priority of what matches; the driver's. */
 } fcp_prio_entry;
 VASKDFC_RECORD_SIZE(fcp_prio_entry, 36);
 VASKDFC_FIELD_AT(fcp_prio_entry, prio, 32);
 
 /** A table of rules as it travels. A caller's table may be shorter or longer: 4 + 36 * count bytes. */
 typedef struct dfc_fcp_prio_list {
-  uint32_t count; /**< Rules, or room for rules. */
-  fcp_prio_entry entries[998];
+  uint32_t count;              /**< Rules, or room for rules. */
+  fcp_prio_entry entries[998]; /**< The rules. */
 } dfc_fcp_prio_list;
 VASKDFC_RECORD_SIZE(dfc_fcp_prio_list, 35932);
 VASKDFC_FIELD_AT(dfc_fcp_prio_list, entries, 4);

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Configuration regions: what an adapter keeps in non-volatile memory, and the persistent link-down setting in region 23.
  *
  * Region 23 (1024 bytes) is a chain of typed records, region 22 (512 bytes) a table of 16-byte entries, region 14 an opaque
@@ -19,14 +20,16 @@ extern "C" {
 
 #pragma GCC visibility push(default)
 
-/** Sizes of the regions in bytes. */
-#define DFC_REGION14_BYTES 1000u
-#define DFC_REGION22_BYTES 512u
-#define DFC_REGION23_BYTES 1024u
+/** @name Sizes of the regions
+ *  @{ */
+#define DFC_REGION14_BYTES 1000u /**< region 14, in bytes */
+#define DFC_REGION22_BYTES 512u  /**< region 22, in bytes */
+#define DFC_REGION23_BYTES 1024u /**< region 23, in bytes */
+/** @} */
 
 /** An entry of region 22; its layout is the adapter's. */
 typedef struct dfc_region22_entry {
-  uint8_t bytes[16];
+  uint8_t bytes[16]; /**< The adapter's. */
 } dfc_region22_entry;
 VASKDFC_RECORD_SIZE(dfc_region22_entry, 16);
 

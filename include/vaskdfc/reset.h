@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Reset and dump of an adapter as a whole.
  */
 #ifndef VASKDFC_RESET_H
@@ -21,15 +22,17 @@ extern "C" {
 #define DFC_DUMP_MODE_INDUCE 4u
 /** Result of DFC_SetDumpEnv when the adapter was made to produce a dump. */
 #define DFC_DUMP_INDUCED 4u
-/** ... and when it was not: on purpose the other way round than everywhere else. */
+/** Result of DFC_SetDumpEnv when it was not: on purpose the other way round than everywhere else. */
 #define DFC_DUMP_NOT_INDUCED 0u
 
 /** Most bytes that DFC_GetDriverDumpRegion delivers. */
 #define DFC_DUMP_REGION_BYTES 16u
 
-/* Results of DFC_GetDriverDumpRegion beside those of vaskdfc/result.h. */
-#define DFC_DUMP_REGION_BAD0014 3u /* driver status 0xbad0014 */
-#define DFC_DUMP_REGION_BAD0003 4u /* driver status 0xbad0003 */
+/** @name Results of DFC_GetDriverDumpRegion beside those of vaskdfc/result.h
+ *  @{ */
+#define DFC_DUMP_REGION_BAD0014 3u /**< driver status 0xbad0014 */
+#define DFC_DUMP_REGION_BAD0003 4u /**< driver status 0xbad0003 */
+/** @} */
 
 /**
  * Resets an adapter, and does not wait until it is back.

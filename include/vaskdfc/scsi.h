@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * SCSI and FCP commands to a logical unit behind a remote port.
  *
  * Every operation sends one command and returns what it produced. Conventions that hold for all of them:
@@ -29,21 +30,23 @@ extern "C" {
 
 /** An FCP command as it travels: FCP_CMND, big-endian. */
 typedef struct FcpCmndBlock {
-  uint8_t FcpLun[8];
-  uint8_t CommandReferenceNumber;
-  uint8_t TaskAttribute;
-  uint8_t TaskManagementFlags;
-  uint8_t DataDirection; /**< FCP_READ_DATA or FCP_WRITE_DATA. */
-  uint8_t CDB[16];
-  uint8_t DataLength[4]; /**< FCP_DL, big-endian. */
+  uint8_t FcpLun[8];              /**< The logical unit, in FCP LUN byte order. */
+  uint8_t CommandReferenceNumber; /**< 0 where the order of commands does not matter. */
+  uint8_t TaskAttribute;          /**< 0 for a simple task. */
+  uint8_t TaskManagementFlags;    /**< 0 for a command. */
+  uint8_t DataDirection;          /**< FCP_READ_DATA or FCP_WRITE_DATA. */
+  uint8_t CDB[16];                /**< The command descriptor block; bytes beyond its length are 0. */
+  uint8_t DataLength[4];          /**< FCP_DL, big-endian. */
 } FcpCmndBlock;
 VASKDFC_RECORD_SIZE(FcpCmndBlock, 32);
 VASKDFC_FIELD_AT(FcpCmndBlock, CDB, 12);
 VASKDFC_FIELD_AT(FcpCmndBlock, DataLength, 28);
 
-/* Data directions. */
-#define FCP_WRITE_DATA 1u /* to the target */
-#define FCP_READ_DATA 2u  /* from the target */
+/** @name Data directions
+ *  @{ */
+#define FCP_WRITE_DATA 1u /**< to the target */
+#define FCP_READ_DATA 2u  /**< from the target */
+/** @} */
 
 /** Most bytes of data that one command moves. */
 #define DFC_SCSI_DATA_BYTES 262144u

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Port statistics in the layout of FC-HBA.
  *
  * The driver is never told to clear its counters. A reset takes their present values as the adapter's baseline in this process, and
@@ -18,21 +19,21 @@ extern "C" {
 
 /** Port counters. A counter whose 64 bits are all ones (-1) is not supported by the adapter. */
 typedef struct HbaPortStatistics {
-  int64_t SecondsSinceLastReset; /**< Seconds. */
-  int64_t TxFrames;
-  int64_t TxWords; /**< Words of 4 bytes. */
-  int64_t RxFrames;
-  int64_t RxWords; /**< Words of 4 bytes. */
-  int64_t LIPCount;
-  int64_t NOSCount;
-  int64_t ErrorFrames;
-  int64_t DumpedFrames;
-  int64_t LinkFailureCount;
-  int64_t LossOfSyncCount;
-  int64_t LossOfSignalCount;
-  int64_t PrimitiveSeqProtocolErrCount;
-  int64_t InvalidTxWordCount;
-  int64_t InvalidCRCCount;
+  int64_t SecondsSinceLastReset;        /**< Seconds. */
+  int64_t TxFrames;                     /**< Frames sent. */
+  int64_t TxWords;                      /**< Words of 4 bytes. */
+  int64_t RxFrames;                     /**< Frames received. */
+  int64_t RxWords;                      /**< Words of 4 bytes. */
+  int64_t LIPCount;                     /**< Loop initialisations. */
+  int64_t NOSCount;                     /**< Not-operational sequences (NOS). */
+  int64_t ErrorFrames;                  /**< Frames received with an error. */
+  int64_t DumpedFrames;                 /**< Frames dropped for want of a buffer. */
+  int64_t LinkFailureCount;             /**< Link failures. */
+  int64_t LossOfSyncCount;              /**< Losses of synchronisation. */
+  int64_t LossOfSignalCount;            /**< Losses of signal. */
+  int64_t PrimitiveSeqProtocolErrCount; /**< Errors of the primitive sequence protocol. */
+  int64_t InvalidTxWordCount;           /**< Invalid transmission words. */
+  int64_t InvalidCRCCount;              /**< Frames with an invalid CRC. */
 } HbaPortStatistics;
 VASKDFC_RECORD_SIZE(HbaPortStatistics, 120);
 VASKDFC_FIELD_AT(HbaPortStatistics, LIPCount, 40);

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Start and stop of the library, board discovery, diagnostic states, and the calendar behind the log's timestamps.
  */
 #ifndef VASKDFC_TRANSPORT_H
@@ -25,16 +26,16 @@ extern "C" {
 typedef struct dfc_brd_info {
   uint8_t caller_0[28]; /**< Not written. */
   uint32_t pci_id;      /**< Vendor identifier in bits 15-0, device identifier in bits 31-16. */
-  uint32_t word_4;
-  uint32_t word_8;
-  uint8_t byte_80;
-  uint8_t constant_10; /**< Always 10. */
-  uint16_t half_12;
-  uint32_t word_16;
-  int32_t condition; /**< Negative: the adapter is in a failed state. */
-  uint8_t bytes_24[16];
-  uint8_t bytes_40[32];
-  uint8_t bytes_72[8];
+  uint32_t word_4;      /**< The driver's. */
+  uint32_t word_8;      /**< The driver's. */
+  uint8_t byte_80;      /**< The driver's. */
+  uint8_t constant_10;  /**< Always 10. */
+  uint16_t half_12;     /**< The driver's. */
+  uint32_t word_16;     /**< The driver's. */
+  int32_t condition;    /**< Negative: the adapter is in a failed state. */
+  uint8_t bytes_24[16]; /**< The driver's. */
+  uint8_t bytes_40[32]; /**< The driver's. */
+  uint8_t bytes_72[8];  /**< The driver's. */
 } dfc_brd_info;
 VASKDFC_RECORD_SIZE(dfc_brd_info, 108);
 VASKDFC_FIELD_AT(dfc_brd_info, pci_id, 28);
@@ -46,14 +47,14 @@ VASKDFC_FIELD_AT(dfc_brd_info, bytes_72, 100);
 typedef struct dfc_brd_info_short {
   uint8_t caller_0[28]; /**< Not written. */
   uint32_t pci_id;      /**< As in dfc_brd_info. */
-  uint32_t word_4;
-  uint32_t word_8;
+  uint32_t word_4;      /**< As in dfc_brd_info. */
+  uint32_t word_8;      /**< As in dfc_brd_info. */
   uint8_t caller_40[3]; /**< Not written. */
   uint8_t half_12_low;  /**< Low byte of the driver's 16-bit value. */
-  uint32_t word_16;
-  int32_t condition; /**< As in dfc_brd_info. */
-  uint8_t bytes_24[16];
-  uint8_t bytes_40[32];
+  uint32_t word_16;     /**< As in dfc_brd_info. */
+  int32_t condition;    /**< As in dfc_brd_info. */
+  uint8_t bytes_24[16]; /**< As in dfc_brd_info. */
+  uint8_t bytes_40[32]; /**< As in dfc_brd_info. */
 } dfc_brd_info_short;
 VASKDFC_RECORD_SIZE(dfc_brd_info_short, 100);
 VASKDFC_FIELD_AT(dfc_brd_info_short, half_12_low, 43);

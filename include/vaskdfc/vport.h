@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Virtual ports (N_Port ID virtualisation, NPIV): readiness, resources, attributes, lists, and the nodes that a virtual port sees.
  *
  * The records are the driver's. Lists: the count is the caller's room in entries before the call, and the driver's count
@@ -18,39 +19,39 @@ extern "C" {
 
 /** Virtual-port resources; the layout is the driver's. */
 typedef struct dfc_vport_resource {
-  uint8_t bytes[16];
+  uint8_t bytes[16]; /**< The driver's. */
 } dfc_vport_resource;
 VASKDFC_RECORD_SIZE(dfc_vport_resource, 16);
 
 /** Attributes of a virtual port; the layout is the driver's. */
 typedef struct dfc_vport_attributes {
-  uint8_t bytes[340];
+  uint8_t bytes[340]; /**< The driver's. */
 } dfc_vport_attributes;
 VASKDFC_RECORD_SIZE(dfc_vport_attributes, 340);
 
 /** A virtual port in a list; the layout is the driver's. */
 typedef struct dfc_vport_entry {
-  uint8_t bytes[20];
+  uint8_t bytes[20]; /**< The driver's. */
 } dfc_vport_entry;
 VASKDFC_RECORD_SIZE(dfc_vport_entry, 20);
 
 /** Virtual ports, in a buffer of 4 + 20 * numEntries bytes. */
 typedef struct dfc_vport_list {
-  uint32_t numEntries;
+  uint32_t numEntries;        /**< In: room, in entries. Out: the driver's count. */
   dfc_vport_entry entries[1]; /**< As many as there is room for; at most 4096 are received. */
 } dfc_vport_list;
 VASKDFC_RECORD_SIZE(dfc_vport_list, 24);
 
 /** A node; the layout is the driver's. */
 typedef struct dfc_node_entry {
-  uint8_t bytes[304];
+  uint8_t bytes[304];    /**< The driver's. */
   uint8_t caller_304[4]; /**< Not written. */
 } dfc_node_entry;
 VASKDFC_RECORD_SIZE(dfc_node_entry, 308);
 
 /** Nodes, in a buffer of 4 + 308 * numEntries bytes. */
 typedef struct dfc_node_list {
-  uint32_t numEntries;
+  uint32_t numEntries;       /**< In: room, in entries. Out: the driver's count. */
   dfc_node_entry entries[1]; /**< As many as there is room for; at most 512 are received. */
 } dfc_node_list;
 VASKDFC_RECORD_SIZE(dfc_node_list, 312);

@@ -13,9 +13,6 @@ import this_build
 HEADERS = sorted(path.relative_to(this_build.INCLUDE) for path in this_build.INCLUDE.rglob("*.h"))
 STANDARDS = {"c": "c99", "c++": "c++17"}
 
-# Its introduction describes all of its functions at once.
-DESCRIBED_AS_A_WHOLE = pathlib.Path("vaskdfc/unimplemented.h")
-
 
 class Alone(unittest.TestCase):
     """Compiles headers from a copy of the folder, so that nothing private is within reach."""
@@ -60,8 +57,7 @@ class Documentation(unittest.TestCase):
         complaints = []
         for header in HEADERS:
             for function in declarations.functions(this_build.INCLUDE / header):
-                if header != DESCRIBED_AS_A_WHOLE:
-                    complaints += [f"{header}: {function.name} {lack}" for lack in self.lacks(function)]
+                complaints += [f"{header}: {function.name} {lack}" for lack in self.lacks(function)]
         if complaints:
             self.fail("\n" + "\n".join(complaints))
 
@@ -78,11 +74,6 @@ class Documentation(unittest.TestCase):
         if documented != named and (documented or len(named) > 1):
             lacking.append(f"takes ({', '.join(named)}) but documents ({', '.join(documented)})")
         return lacking
-
-    def test_the_introduction_of_the_unimplemented_entry_points_says_what_they_return(self):
-        text = (this_build.INCLUDE / DESCRIBED_AS_A_WHOLE).read_text(encoding="utf-8")
-        introduction = text[: text.index("*/")]
-        self.assertRegex(introduction, r"Each returns DFC_UNSUPPORTED \(2\)")
 
 
 if __name__ == "__main__":
