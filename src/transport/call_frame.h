@@ -5,12 +5,15 @@
 //   auto header = header_for(board);
 //   const Outcome outcome = invoke<kSite>(board, header, payload...);
 //
-// invoke() checks the payloads against the callback's row in callbacks.h when it is compiled and forwards to one function.
+// invoke() checks the payloads against the callback's row in callbacks.h when it is compiled.
 #pragma once
 
 #include <cstdint>
 
+#include "transport/board_table.h"
 #include "transport/callbacks.h"
+#include "transport/log.h"
+#include "transport/mgmt_interface.h"
 #include "vaskdfc/platform.h"
 
 namespace vaskdfc {
@@ -29,6 +32,7 @@ struct CallSite {
   const char* function;
   Callback callback;
   Lines lines;
+  std::uint32_t parameters = facts_of(callback).parameters;
   // Some sites log another name than the callback's own; log readers match these names.
   const char* call_name = facts_of(callback).name;
   const char* result_name = call_name;
@@ -48,18 +52,18 @@ struct [[nodiscard]] Outcome {
 
 // The driver's board number for a board index. The index is not checked: callers rely on the driver to reject what it does not
 // know, and an index that was never filled sends 0xFFFFFFFF.
-std::uint32_t getDrvBrdNum(std::uint32_t board);
+inline std::uint32_t getDrvBrdNum(std::uint32_t board) { return dfc_brdno[board]; }
 
 // A zeroed header that addresses a board.
-dfc_mgmt_hdr header_for(std::uint32_t board);
+inline dfc_mgmt_hdr header_for(std::uint32_t board) { return {.brdno = getDrvBrdNum(board)}; }
 
 // Parameters after the header.
 struct Payloads {
   const void* address[3];
 };
 
-// Does the work of invoke(). `board` is the caller's board index, shown on the result lines.
-Outcome issue(const CallSite& site, std::uint32_t board, dfc_mgmt_hdr& header, const Payloads& payloads);
+// Does the work of invoke() when lines are written. `board` is the caller's board index, shown on the result lines.
+Outcome invoke_logged(const CallSite& site, std::uint32_t board, dfc_mgmt_hdr& header, const Payloads& payloads);
 
 template <const CallSite& kSite, typename... Arguments>
 Outcome invoke(std::uint32_t board, dfc_mgmt_hdr& header, Arguments&... arguments) {
@@ -70,7 +74,12 @@ Outcome invoke(std::uint32_t board, dfc_mgmt_hdr& header, Arguments&... argument
     static_assert(Row::template directions_match<Arguments...>(),
                   "wrong direction: the driver writes this record, it must not be const");
   }
-  return issue(kSite, board, header, {{&arguments...}});
+  if (LogLevel != 0) [[unlikely]]
+    return invoke_logged(kSite, board, header, {{&arguments...}});
+  // The frame costs as much as the call itself where it is a function of its own.
+  const int platform = vmk_MgmtUserCallbackInvokeInt(trel_mgmt_handle, 0, Row::kFacts.id, std::uint32_t{Row::kFacts.parameters},
+                                                     &header, &arguments...);
+  return {.platform = static_cast<std::uint32_t>(platform), .driver = header.status};
 }
 
 }  // namespace vaskdfc

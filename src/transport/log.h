@@ -31,9 +31,15 @@ struct LogSite {
   int line;
 };
 
+// Whether lines of a class are written. Looked at where a call is made, so that a log that is off costs next to nothing.
+inline bool is_logged(std::uint32_t line_class) { return fLogger != nullptr && (LogLevel & line_class) != 0; }
+
+// The lines of a call, which are only asked for where their class is logged.
 void log_call(LogSite site, const char* callback);
 void log_ok(LogSite site, const char* callback, std::uint32_t board);
 void log_error(LogSite site, const char* callback, std::uint32_t board, const Outcome& outcome);
+
+// All others look for themselves.
 void log_init_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t count);
 void log_destroy_handle(LogSite site, vmk_MgmtUserHandle handle, std::int32_t count);
 // The "ERROR:" lines.

@@ -1,6 +1,8 @@
 """Every operation is reached through the tool: the commands run with an object before the library that notes what is called.
 
-    tool_reaches_test.py TOOL SCHEMAS OBSERVER VERSION_SCRIPT
+    tool_reaches_test.py TOOL SCHEMAS OBSERVER VERSION_SCRIPT FOLDER
+
+The folder holds a library whose operations the observer can stand between.
 """
 
 import pathlib
@@ -18,6 +20,7 @@ import tool  # noqa: E402
 from tool_commands import NOT_REACHED, REACHED  # noqa: E402
 
 OBSERVER = pathlib.Path(sys.argv[3]).resolve()
+OBSERVABLE = pathlib.Path(sys.argv[5]).resolve()
 EXPORTED = declarations.exported_by_map(pathlib.Path(sys.argv[4]))
 VARIABLES = {"EventMissedCount"}
 
@@ -48,7 +51,7 @@ class Reaches(tool.ToolTest):
         if reach.after:
             self.assert_exit(tool.run(*reach.after.split(), VMKMGMT_SIM_STATE=state), 0)
         done = tool.run(*reach.command.split(), *shlex.split(reach.arguments), cwd=self.folder, VMKMGMT_SIM_STATE=state,
-                        LD_PRELOAD=OBSERVER, OPERATIONS_CALLED=notes)
+                        LD_PRELOAD=OBSERVER, LD_LIBRARY_PATH=OBSERVABLE, OPERATIONS_CALLED=notes)
         return done, dict(line.partition(" ")[::2] for line in notes.read_text(encoding="utf-8").splitlines())
 
     def test_every_exported_name_has_one_row(self):

@@ -1,5 +1,11 @@
 #include "transport/log.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
+#include <utility>
+
 #include "support/library_test.h"
 
 namespace vaskdfc {
@@ -150,6 +156,50 @@ TEST_F(LogTest, a_mask_of_2_leaves_only_successes_and_the_init_failure) {
                 "Kestar cards are installed.  Else a possible reason would be incompatible driver and application versions.\n\n"
                 "2023-11-14T22:13:20       dfc_mgmt_inbox_init:  152 Management init failure: x78. Check if driver is loaded and "
                 "Kestar cards are installed.  Else a possible reason would be incompatible driver and application versions.\n\n");
+}
+
+// --- what the library keeps of a thread and a second
+
+TEST_F(LogTest, lines_of_every_thread_have_its_own_number) {
+  start_log();
+  const LogSite site{"function", 7};
+  log_call(site, "CALLBACK");
+  test::c_library.thread_id = 4713;
+  std::thread([&] { log_call(site, "CALLBACK"); }).join();
+  log_call(site, "CALLBACK");
+  const std::string start = "2023-11-14T22:13:20                  function:    7 call: CALLBACK id[4711:";
+  EXPECT_EQ(log(), start + "4712]\n" + start + "4713]\n" + start + "4712]\n");
+}
+
+TEST_F(LogTest, lines_of_a_forked_process_have_its_own_numbers) {
+  write_file("libvaskdfc.conf", "LogLevel f");
+  OpenLogger();
+  const std::string before = log();
+  const LogSite site{"function", 7};
+  log_call(site, "CALLBACK");
+  const pid_t child = fork();
+  if (child == 0) {
+    test::c_library.process_id = 5000;
+    test::c_library.thread_id = 5001;
+    log_call(site, "CALLBACK");
+    _exit(0);
+  }
+  waitpid(child, nullptr, 0);
+  log_call(site, "CALLBACK");
+  const std::string start = "2023-11-14T22:13:20                  function:    7 call: CALLBACK id[";
+  EXPECT_EQ(log(), before + start + "4711:4712]\n" + start + "5000:5001]\n" + start + "4711:4712]\n");
+}
+
+TEST_F(LogTest, lines_have_the_time_at_which_they_are_written) {
+  start_log();
+  std::string expected;
+  for (const auto& [seconds, timestamp] : {std::pair{0, "1970-01-01T00:00:00"}, std::pair{1, "1970-01-01T00:00:01"},
+                                           std::pair{0, "1970-01-01T00:00:00"}, std::pair{-1, "438498967-08-03T07:00:1"}}) {
+    test::c_library.seconds = seconds;
+    log_record_found({"function", 7}, 0xA0);
+    expected += std::string(timestamp) + "                  function:    7 ERROR: A0 Found\n";
+  }
+  EXPECT_EQ(log(), expected);
 }
 
 TEST_F(LogTest, a_name_wider_than_its_column_is_not_cut) {
