@@ -59,16 +59,15 @@ uint32_t DFC_ConfigLoopback(uint32_t board, uint32_t mode, uint32_t value) {
 
 uint32_t DFC_RunLoopbackTest(uint32_t board, const dfc_loopback* pLoopback) {
   INSIST(pLoopback->bufSize <= 65536, 108);
-  const StagingBuffer<LoopbackData> sent;
-  const StagingBuffer<LoopbackData> received;
-  if (!sent || !received) return DFC_NO_MEMORY;
+  const StagingBuffer<RequestAndReply<LoopbackData>> stage;
+  if (!stage) return DFC_NO_MEMORY;
 
   auto header = header_for(board);
   header.arg2 = pLoopback->bufSize;
-  copy_at_most(sent->bytes, pLoopback->txBuf, pLoopback->bufSize, sizeof(*sent));
-  const Outcome outcome = invoke<kTest>(board, header, *sent, *received);
+  copy_at_most(stage->request.bytes, pLoopback->txBuf, pLoopback->bufSize, sizeof(stage->request));
+  const Outcome outcome = invoke<kTest>(board, header, stage->request, stage->reply);
   if (!outcome.ok()) return kTestFailures(outcome.driver);
-  copy_at_most(pLoopback->rxBuf, received->bytes, pLoopback->bufSize, sizeof(*received));
+  copy_at_most(pLoopback->rxBuf, stage->reply.bytes, pLoopback->bufSize, sizeof(stage->reply));
   return DFC_OK;
 }
 

@@ -57,18 +57,17 @@ constexpr bool is_well_known(int32_t address) { return (address & 0xFFFF00) == 0
 uint32_t DFC_SendELSCmd(uint32_t board, const dfc_els_descriptor* descriptor, const void* request, uint32_t request_bytes,
                         void* reply, uint32_t* reply_bytes) {
   if (request_bytes > sizeof(ElsFrame)) return DFC_FAILED;
-  const StagingBuffer<ElsFrame> sent;
-  const StagingBuffer<ElsFrame> received;
-  if (!sent || !received) return DFC_FAILED;
+  const StagingBuffer<RequestAndReply<ElsFrame>> stage;
+  if (!stage) return DFC_FAILED;
 
-  copy_at_most(sent->bytes, request, request_bytes, sizeof(*sent));
+  copy_at_most(stage->request.bytes, request, request_bytes, sizeof(stage->request));
   auto header = header_for(board);
   header.arg2 = request_bytes;
-  header.arg3 = sizeof(*received);
-  const Outcome outcome = invoke<kEls>(board, header, *descriptor, *sent, *received);
+  header.arg3 = sizeof(stage->reply);
+  const Outcome outcome = invoke<kEls>(board, header, *descriptor, stage->request, stage->reply);
   if (outcome.ok() || outcome.driver == kDoesNotFit) *reply_bytes = header.arg3;
   if (!outcome.ok()) return kElsResults(outcome.driver);
-  copy_at_most(reply, received->bytes, header.arg3, sizeof(*received));
+  copy_at_most(reply, stage->reply.bytes, header.arg3, sizeof(stage->reply));
   return DFC_OK;
 }
 
@@ -76,18 +75,17 @@ int32_t GetCTInfo(uint32_t board, int32_t destination, const void* request, uint
                   uint32_t reply_room) {
   if (!is_well_known(destination)) return DFC_CT_FAILED;
   if (request_bytes > sizeof(ServiceFrame)) return DFC_CT_TOO_LONG;
-  const StagingBuffer<ServiceFrame> sent;
-  const StagingBuffer<ServiceFrame> received;
-  if (!sent || !received) return DFC_CT_NO_MEMORY;
+  const StagingBuffer<RequestAndReply<ServiceFrame>> stage;
+  if (!stage) return DFC_CT_NO_MEMORY;
 
-  copy_at_most(sent->bytes, request, request_bytes, sizeof(*sent));
+  copy_at_most(stage->request.bytes, request, request_bytes, sizeof(stage->request));
   auto header = header_for(board);
   header.arg2 = request_bytes;
   header.arg3 = reply_room;
   header.arg4 = static_cast<uint32_t>(destination);
-  const Outcome outcome = invoke<kCt>(board, header, *sent, *received);
+  const Outcome outcome = invoke<kCt>(board, header, stage->request, stage->reply);
   if (!outcome.ok()) return static_cast<int32_t>(kCtResults(outcome.driver));
-  copy_at_most(reply, received->bytes, header.arg3, sizeof(*received));
+  copy_at_most(reply, stage->reply.bytes, header.arg3, sizeof(stage->reply));
   return static_cast<int32_t>(header.arg3);
 }
 
@@ -103,19 +101,18 @@ uint32_t SendCTPassThru(uint32_t board, const void* request, uint32_t request_by
 uint32_t SendMgmtCommand(uint32_t board, const dfc_mgmt_command* command, const void* request, uint32_t request_bytes, void* reply,
                          uint32_t* reply_bytes, uint32_t argument) {
   if (request_bytes > sizeof(ServiceFrame)) return DFC_MGMT_FAILED;
-  const StagingBuffer<ServiceFrame> sent;
-  const StagingBuffer<ServiceFrame> received;
-  if (!sent || !received) return DFC_MGMT_FAILED;
+  const StagingBuffer<RequestAndReply<ServiceFrame>> stage;
+  if (!stage) return DFC_MGMT_FAILED;
 
-  copy_at_most(sent->bytes, request, request_bytes, sizeof(*sent));
+  copy_at_most(stage->request.bytes, request, request_bytes, sizeof(stage->request));
   auto header = header_for(board);
   header.arg2 = request_bytes;
-  header.arg3 = sizeof(*received);
+  header.arg3 = sizeof(stage->reply);
   header.arg7 = argument;
-  const Outcome outcome = invoke<kCommand>(board, header, *command, *sent, *received);
+  const Outcome outcome = invoke<kCommand>(board, header, *command, stage->request, stage->reply);
   if (outcome.ok() || outcome.driver == kDoesNotFit) *reply_bytes = header.arg3;
   if (!outcome.ok()) return kCommandResults(outcome.driver);
-  copy_at_most(reply, received->bytes, header.arg3, sizeof(*received));
+  copy_at_most(reply, stage->reply.bytes, header.arg3, sizeof(stage->reply));
   return DFC_OK;
 }
 

@@ -1,8 +1,7 @@
 // Adapter and port attributes.
 #include "vaskdfc/hbaapi.h"
 
-#include <algorithm>
-#include <bit>
+#include <cstddef>
 #include <cstring>
 
 #include "transport/board_table.h"
@@ -37,12 +36,13 @@ static_assert(kDiscoveredResults(kNoSuchPort) == HBA_STATUS_ERROR_ILLEGAL_INDEX 
 static_assert(kByWwnResults(kNoSuchPort) == HBA_STATUS_ERROR_ILLEGAL_WWN && kByWwnResults(0) == HBA_STATUS_ERROR);
 
 void copy_port(const PortAttributesReply& reply, HbaPortAttributes& attributes) {
-  static_assert(offsetof(HbaPortAttributes, PortSymbolicName) == sizeof(reply.identity));
-  std::memcpy(&attributes, &reply.identity, sizeof(reply.identity));
-  std::ranges::copy(reply.symbolic_name, attributes.PortSymbolicName);
+  // Both records begin alike, up to the end of the device name as the driver knows it.
+  constexpr std::size_t kAlike = offsetof(PortAttributesReply, supported_speeds);
+  static_assert(offsetof(HbaPortAttributes, PortSymbolicName) == offsetof(PortAttributesReply, symbolic_name));
+  static_assert(offsetof(HbaPortAttributes, OSDeviceName) == offsetof(PortAttributesReply, os_device_name));
+  std::memcpy(&attributes, &reply, kAlike);
   // Two bytes more than the driver knows are written, as they always were; the rest of the field stays the caller's.
-  auto* const end = std::ranges::copy(reply.os_device_name, attributes.OSDeviceName).out;
-  std::fill_n(end, 2, '\0');
+  std::memset(attributes.OSDeviceName + sizeof(reply.os_device_name), 0, 2);
   attributes.PortSupportedSpeed = reply.supported_speeds;
   attributes.PortSpeed = reply.speed;
   attributes.PortMaxFrameSize = reply.max_frame_size;

@@ -1,6 +1,7 @@
 // SCSI and FCP commands on their way to a remote port and back.
 #include <algorithm>
 
+#include "hbaapi/scsi_transfer.h"
 #include "transport/bounded_copy.h"
 #include "transport/call_frame.h"
 #include "transport/staging_buffer.h"
@@ -26,23 +27,28 @@ constexpr uint32_t within(uint32_t bytes, std::size_t most) { return static_cast
 
 }  // namespace
 
-uint32_t SendScsiCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, const FcpCmndBlock* command, uint32_t, void* data,
-                          uint32_t* data_bytes, void* sense, uint32_t* sense_bytes) {
-  const StagingBuffer<TransferData> stage;
-  if (!stage) return HBA_STATUS_ERROR;
+uint32_t vaskdfc::send_scsi(uint32_t board, const HbaWwn& target, const FcpCmndBlock& command, void* data, uint32_t* data_bytes,
+                            void* sense, uint32_t* sense_bytes, TransferData& stage) {
   const uint32_t room = *data_bytes;
-  copy_at_most(stage->bytes, data, room, sizeof(*stage));
+  copy_at_most(stage.bytes, data, room, sizeof(stage));
   auto header = header_for(board);
-  header.arg2 = within(room, sizeof(*stage));
-  ScsiPassThruRequest request{.target = *target, .command = *command};
-  if (!invoke<kScsi>(board, header, request, *stage).ok()) return HBA_STATUS_ERROR;
+  header.arg2 = within(room, sizeof(stage));
+  ScsiPassThruRequest request{.target = target, .command = command};
+  if (!invoke<kScsi>(board, header, request, stage).ok()) return HBA_STATUS_ERROR;
 
   *data_bytes = header.arg3;
   if (room < header.arg3) return HBA_STATUS_ERROR_MORE_DATA;
   *sense_bytes = request.sense_bytes;
   copy_at_most(sense, request.sense, request.sense_bytes, sizeof(request.sense));
-  copy_at_most(data, stage->bytes, header.arg3, sizeof(*stage));
+  copy_at_most(data, stage.bytes, header.arg3, sizeof(stage));
   return HBA_STATUS_OK;
+}
+
+uint32_t SendScsiCmdByWWN(uint32_t board, const HbaWwn*, const HbaWwn* target, const FcpCmndBlock* command, uint32_t, void* data,
+                          uint32_t* data_bytes, void* sense, uint32_t* sense_bytes) {
+  const StagingBuffer<TransferData> stage;
+  if (!stage) return HBA_STATUS_ERROR;
+  return send_scsi(board, *target, *command, data, data_bytes, sense, sense_bytes, *stage);
 }
 
 uint32_t SendScsiCmd(uint32_t board, const HbaWwn* target, const FcpCmndBlock* command, uint32_t command_bytes, void* data,

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstring>
 
+#include "hbaapi/scsi_transfer.h"
 #include "vaskdfc/scsi.h"
 
 namespace {
@@ -69,6 +70,10 @@ uint32_t send_from(const HbaWwn* local, const Exchange& exchange, const FcpCmndB
 constexpr uint64_t kLun0 = 0;
 
 }  // namespace
+
+FcpCmndBlock vaskdfc::inquiry_for_page(uint64_t lun, uint8_t code, uint32_t bytes) {
+  return inquiry_block(lun, /*evpd=*/1, code, bytes);
+}
 
 uint32_t SendScsiInquiry(uint32_t board, const HbaWwn* target, uint64_t lun, uint8_t evpd, uint8_t page, void* response,
                          uint32_t* response_bytes, void* sense, uint32_t* sense_bytes) {

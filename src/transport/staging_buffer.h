@@ -27,4 +27,12 @@ class StagingBuffer {
   T* record_;
 };
 
+// A request and the reply to it, in one piece: two pieces of this size next to each other, freed together, make the C library give
+// the end of its heap back to the system after every call, to get it back as pages of zeros at the next.
+template <Record T>
+struct RequestAndReply {
+  T request;
+  T reply;
+};
+
 }  // namespace vaskdfc

@@ -116,7 +116,7 @@ TEST_F(RunLoopbackTest, receives_nothing_when_the_call_fails) {
 }
 
 TEST_F(RunLoopbackTest, sends_nothing_without_memory) {
-  test::c_library.refused_bytes = 65536;
+  test::c_library.refused_bytes = 2 * 65536;
   EXPECT_EQ(run(64, 0), DFC_NO_MEMORY);
 }
 

@@ -125,7 +125,7 @@ std::vector<Operation> loopback_operations() {
              return DFC_RunLoopbackTest(c.board(), &frames);
            },
        .steps = fails(Callback::kLoopbackTest, DFC_FAILED, {{0xBAD000A, DFC_LOOPBACK_BAD000A}, {0xBAD0039, DFC_LOOPBACK_BAD0039}}),
-       .without_memory = {DFC_NO_MEMORY, DFC_NO_MEMORY}},
+       .without_memory = {DFC_NO_MEMORY}},
       {.name = "DFC_EndLoopback",
        .call = [](Caller& c) { return DFC_EndLoopback(c.board()); },
        .generation = Generation::kSli4,

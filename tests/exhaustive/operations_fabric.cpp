@@ -124,7 +124,7 @@ std::vector<Operation> mapping_operations() {
        .steps = fails(Callback::kHbaPortAttributes, HBA_STATUS_ERROR) +
                 fails(Callback::kHbaFcpTargetMapping, HBA_STATUS_ERROR, {{kDoesNotFit, HBA_STATUS_ERROR_MORE_DATA}}) +
                 repeated(2, does_not_matter(Callback::kHbaSendScsi)),
-       .without_memory = {HBA_STATUS_ERROR, HBA_STATUS_ERROR, HBA_STATUS_OK, HBA_STATUS_OK},
+       .without_memory = {HBA_STATUS_ERROR, HBA_STATUS_OK},
        .writes_on_failure = "the count is the driver's"},
       {.name = "GetFcpBindList",
        .call = [](Caller& c) { return GetFcpBindList(c.board(), c.record(FcpBindList{.count = c.number(4)}, kListBytes)); },
@@ -266,7 +266,7 @@ std::vector<Operation> fabric_operations() {
                                    c.record<std::uint32_t>());
            },
        .steps = fails(Callback::kSendEls, DFC_FAILED, {{kDoesNotFit, DFC_TOO_SMALL}, {0xBAD000A, DFC_ELS_BAD000A}}),
-       .without_memory = {DFC_FAILED, DFC_FAILED},
+       .without_memory = {DFC_FAILED},
        .writes_on_failure = "a reply that does not fit tells its length"},
       {.name = "GetCTInfo",
        .call =
@@ -281,7 +281,7 @@ std::vector<Operation> fabric_operations() {
                        {0xBAD0014, code(DFC_CT_NO_MEMORY)},
                        {0xBAD005A, code(DFC_CT_BAD005A)},
                        {kDoesNotFit, code(DFC_CT_TOO_LONG)}}),
-       .without_memory = {code(DFC_CT_NO_MEMORY), code(DFC_CT_NO_MEMORY)}},
+       .without_memory = {code(DFC_CT_NO_MEMORY)}},
       {.name = "SendCTPassThru",
        .call =
            [](Caller& c) {
@@ -290,7 +290,7 @@ std::vector<Operation> fabric_operations() {
                                    c.record(c.number(DFC_SERVICE_BYTES)));
            },
        .steps = fails(Callback::kSendCt, DFC_FAILED),
-       .without_memory = {DFC_FAILED, DFC_FAILED}},
+       .without_memory = {DFC_FAILED}},
       {.name = "SendMgmtCommand",
        .call =
            [](Caller& c) {
@@ -300,7 +300,7 @@ std::vector<Operation> fabric_operations() {
            },
        .steps = fails(Callback::kHbaSendMgmtCmd, DFC_MGMT_FAILED,
                       {{kDoesNotFit, DFC_MGMT_TOO_LONG}, {0xBAD0021, DFC_MGMT_COMMAND_BAD0021}, {0xBAD005A, DFC_MGMT_BAD005A}}),
-       .without_memory = {DFC_MGMT_FAILED, DFC_MGMT_FAILED},
+       .without_memory = {DFC_MGMT_FAILED},
        .writes_on_failure = "a reply that does not fit tells its length"},
       {.name = "SendMgmtResponse",
        .call =

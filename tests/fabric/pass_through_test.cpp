@@ -89,7 +89,7 @@ TEST_F(ElsTest, turns_driver_statuses_into_results) {
     EXPECT_EQ(send(12), DFC_TOO_SMALL);
     EXPECT_EQ(reply_bytes, 2000u);
   }
-  test::c_library.refused_bytes = 1024;
+  test::c_library.refused_bytes = 2 * 1024;
   EXPECT_EQ(send(12), DFC_FAILED);
   expect_reply(0);
 }
@@ -149,7 +149,7 @@ TEST_F(CtTest, turns_driver_statuses_into_results) {
     driver.expect(failing(call(16, 4096, 0xFFFFFC, 20), failed));
     EXPECT_EQ(get(0xFFFFFC, 16), failed.result);
   }
-  test::c_library.refused_bytes = 245760;
+  test::c_library.refused_bytes = 2 * 245760;
   EXPECT_EQ(get(0xFFFFFC, 16), -2);
   expect_reply(0);
 }
@@ -262,8 +262,9 @@ TEST_F(ManagementTest, commands_and_responses_name_one_status_differently) {
 TEST_F(ManagementTest, is_refused_above_240_KiB_and_without_memory) {
   EXPECT_EQ(send_command(245761), 252u);
   EXPECT_EQ(send_response(245761), 252u);
-  test::c_library.refused_bytes = 245760;
+  test::c_library.refused_bytes = 2 * 245760;
   EXPECT_EQ(send_command(16), 252u);
+  test::c_library.refused_bytes = 245760;
   EXPECT_EQ(send_response(16), 252u);
   EXPECT_EQ(reply_bytes, 77u);
 }

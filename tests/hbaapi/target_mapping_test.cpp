@@ -268,8 +268,19 @@ TEST_F(TargetMappingV2Test, asks_no_unit_when_there_is_none) {
   }
 }
 
-TEST_F(TargetMappingV2Test, fails_without_memory_for_its_work) {
-  test::c_library.refused_bytes = 4 + 7 * 296;
+TEST_F(TargetMappingV2Test, lists_units_without_identifiers_when_there_is_no_memory_to_ask_them) {
+  test::c_library.refused_bytes = 262144;
+  expect_port();
+  driver.expect(call(2, 2, 2));
+  SecondForm caller(2);
+  EXPECT_EQ(get(caller), HBA_STATUS_OK);
+  EXPECT_EQ(caller.count(), 2u);
+  EXPECT_EQ(caller.entry(0), expected_entry(1, {}, 0));
+  EXPECT_EQ(caller.entry(1), expected_entry(2, {}, 0));
+}
+
+TEST_F(TargetMappingV2Test, fails_without_memory_for_the_list) {
+  test::c_library.refused_bytes = 303108;
   expect_port();
   SecondForm caller(7);
   EXPECT_EQ(get(caller), HBA_STATUS_ERROR);
