@@ -202,7 +202,7 @@ TEST_F(SetRulesTest, leaves_the_table_ordered_when_the_call_fails) {
 }
 
 TEST_F(SetRulesTest, neither_orders_nor_sends_without_memory) {
-  for (const std::size_t bytes : {kTravelling, std::size_t{36000}}) {
+  for (const std::size_t bytes : {kTravelling, std::size_t{37000}}) {
     test::c_library.refused_bytes = bytes;
     EXPECT_EQ(set(rules, rules), DFC_FAILED);
   }

@@ -71,7 +71,7 @@ TEST_F(PriorityOrderTest, orders_as_many_rules_as_a_table_may_have) {
 }
 
 TEST_F(PriorityOrderTest, touches_nothing_without_rules_or_memory) {
-  test::c_library.refused_bytes = 36000;
+  test::c_library.refused_bytes = 37000;
   RuleTable none(Rules{});
   EXPECT_EQ(order_fcp_priority_list(none.list()), 0u);  // needs no memory
 
