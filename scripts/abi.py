@@ -23,8 +23,8 @@ DUMP_OPTIONS = ["--exported-interfaces-only", "--drop-undefined-syms", "--no-cor
 # Lines of the comparison's report, and what each of them means to an application. Sizes stand there in bits.
 CHANGES = re.compile(r"^Leaf changes summary: (\d+) ", re.MULTILINE)
 RENAMED = re.compile(r"^SONAME changed from '(?P<before>.*)' to '(?P<after>.*)'$", re.MULTILINE)
-LOST = re.compile(r"^ *\[D\] .*\{(?P<name>\w+)\S*\}$", re.MULTILINE)
-ADDED = re.compile(r"^ *\[A\] .*\{(?P<name>\w+)\S*\}$", re.MULTILINE)
+LOST = re.compile(r"^ *\[D\] .*\{(?P<name>\w+)(?:@+(?P<node>\w+))?\}$", re.MULTILINE)
+ADDED = re.compile(r"^ *\[A\] .*\{(?P<name>\w+)(?:@+(?P<node>\w+))?\}$", re.MULTILINE)
 CHANGED = re.compile(r"^ *\[C\] '(?P<what>[^']*)'", re.MULTILINE)
 CHANGED_TYPE = re.compile(r"^'(?P<what>[^']*)' changed:\n(?: *type size changed from (?P<before>\d+) to (?P<after>\d+))?",
                           re.MULTILINE)
@@ -39,11 +39,16 @@ class Unusable(Exception):
     """A file that nothing can be said about."""
 
 
+def _identity(symbol):
+    """What the functions and variables of a record call one of its symbols: the name, and the node where it has one."""
+    return symbol.get("name") + (f"@@{symbol.get('version')}" if symbol.get("version") else "")
+
+
 def described(library):
     """The interface of a library, as text to record."""
     dump = subprocess.run(["abidw", *DUMP_OPTIONS, str(library)], check=True, capture_output=True, text=True).stdout
     corpus = xml.etree.ElementTree.fromstring(dump)
-    names = {symbol.get("name") for symbol in corpus.iter("elf-symbol")}
+    names = {_identity(symbol) for symbol in corpus.iter("elf-symbol")}
     with_types = {each.get("elf-symbol-id") for kind in ("function-decl", "var-decl") for each in corpus.iter(kind)}
     if names - with_types:
         raise Unusable(f"{library}: was built without full debug information about {', '.join(sorted(names - with_types))}")
@@ -62,6 +67,10 @@ def report_of(record, library):
     return done.stdout if done.returncode else ""
 
 
+def _symbol(match):
+    return match["name"] + (f" of {match['node']}" if match["node"] else "")
+
+
 def _about_type(match):
     if match["before"] is None:
         return f"{match['what']} has other fields"
@@ -72,7 +81,7 @@ def _about_type(match):
 def breaks(report):
     """What of a report breaks applications, a sentence each; a report of something unknown breaks them as well."""
     found = [f"the library is called {match['after']}, no longer {match['before']}" for match in RENAMED.finditer(report)]
-    found += [f"{match['name']} is lost" for match in LOST.finditer(report)]
+    found += [f"{_symbol(match)} is lost" for match in LOST.finditer(report)]
     found += [f"{match['what']} has other types" for match in CHANGED.finditer(report)]
     found += [_about_type(match) for match in CHANGED_TYPE.finditer(report)]
     added = len(ADDED.findall(report))
@@ -85,7 +94,7 @@ def complaint(record, library):
     if not report:
         return ""
     broken = breaks(report)
-    added = [f"{match['name']} was added" for match in ADDED.finditer(report)]
+    added = [f"{_symbol(match)} was added" for match in ADDED.finditer(report)]
     soname = xml.etree.ElementTree.parse(record).getroot().get("soname")
     advice = TAKE_BACK.format(soname=soname) if broken else ADD
     return "; ".join(broken + added) + f".\n{advice}\n\n{report}"

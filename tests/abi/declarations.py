@@ -11,6 +11,7 @@ _RECORD = re.compile(r"(?<!>\n)^(?:typedef )?struct (?P<name>\w+) \{\n(?P<body>.
 _FIELD = re.compile(r"(?:const )?[\w:]+(?: |\* )(?P<name>\w+)(?:\[\w+\])?")
 _SIZE_GUARD = re.compile(r"^VASKDFC_RECORD_SIZE\((\w+),", re.M)
 _POINTER_SIZE_GUARD = re.compile(r"^VASKDFC_POINTER_RECORD_SIZE\((\w+),", re.M)
+_NODE = re.compile(r"(?P<node>\w*) *\{\s*global:(?P<names>[^}]*?)(?:local:[^}]*)?\}", re.S)
 _INCLUDE = re.compile(r'^#include "([^"]+)"', re.M)
 
 
@@ -100,10 +101,15 @@ def _fields(header, record, body):
     return names
 
 
+def nodes_of_map(script):
+    """The exported names of a linker's version script by the node that they stand in."""
+    nodes = {match["node"]: [name.strip() for name in match["names"].split(";") if name.strip()]
+             for match in _NODE.finditer(without_comments(_read(script)))}
+    if not nodes:
+        raise AssertionError(f"{script} has no node with a part that starts with global:")
+    return nodes
+
+
 def exported_by_map(script):
-    """The names in the global part of a linker's version script."""
-    text = without_comments(_read(script))
-    listed = re.search(r"global:(.*?)local:", text, re.S)
-    if not listed:
-        raise AssertionError(f"{script} has no part that starts with global: and ends with local:")
-    return [name.strip() for name in listed[1].split(";") if name.strip()]
+    """The exported names of a linker's version script, of all nodes."""
+    return [name for names in nodes_of_map(script).values() for name in names]

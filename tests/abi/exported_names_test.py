@@ -2,18 +2,12 @@
 
 import unittest
 
-import compilers
 import declarations
+import elf
 import this_build
 
 LIBRARY_MAP = this_build.SOURCE / "src/libvaskdfc.map"
 UMBRELLA = this_build.INCLUDE / "vaskdfc.h"
-
-
-def exported_by(library):
-    """The names that a shared library defines for others."""
-    listing = compilers.check_run("nm", "--dynamic", "--defined-only", "--format=posix", library)
-    return [line.split()[0].split("@")[0] for line in listing.splitlines()]
 
 
 def declared_by_umbrella():
@@ -34,7 +28,7 @@ class ExportedNames(unittest.TestCase):
             self.fail("\n" + "\n".join(complaints))
 
     def test_library_exports_what_the_version_script_lists(self):
-        self.assert_same_names(exported_by(this_build.LIBRARY), f"exported by {this_build.LIBRARY.name}",
+        self.assert_same_names(elf.exported_names(this_build.LIBRARY), f"exported by {this_build.LIBRARY.name}",
                                declarations.exported_by_map(LIBRARY_MAP), f"listed in {LIBRARY_MAP.name}")
 
     def test_version_script_lists_what_the_umbrella_header_declares(self):
@@ -43,7 +37,7 @@ class ExportedNames(unittest.TestCase):
 
     def test_umbrella_header_declares_what_the_library_exports(self):
         self.assert_same_names(declared_by_umbrella(), f"declared through {UMBRELLA.name}",
-                               exported_by(this_build.LIBRARY), f"exported by {this_build.LIBRARY.name}")
+                               elf.exported_names(this_build.LIBRARY), f"exported by {this_build.LIBRARY.name}")
 
     def test_no_name_is_listed_or_declared_twice(self):
         lists = {LIBRARY_MAP.name: declarations.exported_by_map(LIBRARY_MAP), UMBRELLA.name: declared_by_umbrella()}
@@ -54,7 +48,7 @@ class ExportedNames(unittest.TestCase):
     def test_platform_library_exports_the_three_functions_of_its_header(self):
         platform = [function.name for function in declarations.functions(this_build.INCLUDE / "vaskdfc/platform.h")]
         self.assertEqual(len(platform), 3)
-        self.assert_same_names(exported_by(this_build.PLATFORM_LIBRARY), f"exported by {this_build.PLATFORM_LIBRARY.name}",
+        self.assert_same_names(elf.exported_names(this_build.PLATFORM_LIBRARY), f"exported by {this_build.PLATFORM_LIBRARY.name}",
                                platform, "declared in platform.h")
 
 

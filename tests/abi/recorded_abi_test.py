@@ -137,6 +137,33 @@ class Comparison(SmallLibrary):
             abi.complaint(self.record, self.built(SOURCE, "-g0"))
 
 
+class Nodes(SmallLibrary):
+    """The comparison of a library whose names belong to nodes."""
+
+    @classmethod
+    def with_nodes(cls, script, source=SOURCE):
+        """A library whose exported names the linker's version script distributes."""
+        (cls.folder / "lamp.map").write_text(script, encoding="utf-8")
+        return cls.built(source, f"-Wl,--version-script={cls.folder / 'lamp.map'}")
+
+    def setUp(self):
+        self.record.write_text(abi.described(self.with_nodes("LAMP_11 { global: *Lamp*; };\n")), encoding="utf-8")
+
+    def assert_complaint(self, script, *sentences, source=SOURCE):
+        """The comparison begins with these sentences."""
+        said = abi.complaint(self.record, self.with_nodes(script, source)).splitlines()
+        self.assertEqual(said[:len(sentences)], list(sentences))
+
+    def test_a_name_that_left_its_node_breaks_applications(self):
+        self.assert_complaint("LAMP_11 { global: GetLamp; LampCount; local: *; };\nLAMP_11_5 { global: SetLamp; } LAMP_11;\n",
+                              "SetLamp of LAMP_11 is lost.", TAKE_BACK)
+
+    def test_a_new_name_in_a_node_of_its_own_wants_to_be_recorded(self):
+        self.assert_complaint("LAMP_11 { global: *Lamp*; };\nLAMP_11_5 { global: Flash; } LAMP_11;\n",
+                              "Flash of LAMP_11_5 was added.", abi.ADD,
+                              source=SOURCE + "uint32_t Flash(void) { return LampCount; }\n")
+
+
 class Recording(SmallLibrary):
     """What the script does to a record."""
 

@@ -15,6 +15,7 @@ BINARY = pathlib.Path(_facts["binary"])
 LIBRARY = pathlib.Path(_facts["library"])
 PLATFORM_LIBRARY = pathlib.Path(_facts["platform_library"])
 TOOL = pathlib.Path(_facts["tool"])
+APPLICATION = pathlib.Path(_facts["application"])
 RECORDING_PLATFORM = pathlib.Path(_facts["recording_platform"])
 NAME = _facts["name"]
 VERSION = _facts["version"]

@@ -6,15 +6,14 @@ The folder holds a library whose operations the observer can stand between.
 """
 
 import pathlib
-import re
 import shlex
 import shutil
-import subprocess
 import sys
 
 sys.path[:0] = [str(pathlib.Path(__file__).resolve().parents[1] / folder) for folder in ("abi", "tool")]
 
 import declarations  # noqa: E402
+import elf  # noqa: E402
 import images  # noqa: E402
 import tool  # noqa: E402
 from tool_commands import NOT_REACHED, REACHED  # noqa: E402
@@ -26,9 +25,8 @@ VARIABLES = {"EventMissedCount"}
 
 
 def imported_by_the_tool():
-    """The names that the tool's program takes from elsewhere, functions and variables."""
-    symbols = subprocess.run(["nm", "--dynamic", tool.PROGRAM], capture_output=True, text=True, timeout=60, check=True).stdout
-    return set(re.findall(r" [UB] (\w+)$", symbols, re.M))
+    """The names that the tool's program takes from elsewhere, functions and variables. Of variables it may hold a copy."""
+    return {*elf.imported_names(tool.PROGRAM), *elf.exported_names(tool.PROGRAM)}
 
 
 class Reaches(tool.ToolTest):
