@@ -4,11 +4,11 @@ import functools
 import json
 import pathlib
 import re
-import tempfile
 import unittest
 
 import compilers
 import elf
+import installation
 import this_build
 
 # The code of what is shipped, as far as the project's own compiler options reach.
@@ -92,16 +92,13 @@ class Tool(unittest.TestCase):
         self.assertRegex(elf.readelf("--dynamic", this_build.TOOL), r"\(FLAGS_1\)\s+Flags:.*\bPIE\b")
 
 
-class Installation(unittest.TestCase):
+class Installation(installation.InstalledTest):
     """What is found at run time must not depend on where it was built."""
 
     def test_names_no_folder_to_search_for_libraries(self):
-        with tempfile.TemporaryDirectory() as prefix:
-            compilers.check_run(this_build.CMAKE, "--install", this_build.BINARY, "--prefix", prefix)
-            for file in SHIPPED_FILES:
-                installed = [path for path in pathlib.Path(prefix).rglob(file.resolve().name) if path.is_file()]
-                self.assertEqual(len(installed), 1, file.name)
-                self.assertEqual([line for tag in ("RPATH", "RUNPATH") for line in elf.dynamic_entries(installed[0], tag)], [])
+        for built in SHIPPED_FILES:
+            file = self.prefix / ("bin" if built == this_build.TOOL else this_build.INSTALLED_LIBRARIES) / built.name
+            self.assertEqual([line for tag in ("RPATH", "RUNPATH") for line in elf.dynamic_entries(file, tag)], [], file.name)
 
 
 class Compilation(unittest.TestCase):

@@ -1,13 +1,10 @@
 """An application's author has nothing but what is installed: builds the example there, as its comment says, and runs it."""
 
 import json
-import os
-import pathlib
 import shutil
-import tempfile
-import unittest
 
 import compilers
+import installation
 import this_build
 
 EXAMPLE = "list_adapters.c"
@@ -32,33 +29,22 @@ FIRST = "    0  Kestar K5602-CNA-LP4  10:00:00:11:22:33:44:55  online\n"
 SECOND = "    1  Kestar K5602          10:00:00:11:22:33:44:66  link down\n"
 
 
-class InstalledExample(unittest.TestCase):
+class InstalledExample(installation.InstalledTest):
     """Everything happens in a folder of its own: the installation, a copy of the example, the program."""
-
-    maxDiff = None
 
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
-        cls.prefix = cls.folder / "prefix"
-        compilers.check_run(this_build.CMAKE, "--install", this_build.BINARY, "--prefix", cls.prefix)
-
-        # The library's folder, for a linker and a loader that do not know it.
-        cls.libraries = cls.prefix / this_build.INSTALLED_LIBRARIES
-        cls.environment = {name: value for name, value in os.environ.items() if not name.startswith("VMKMGMT_SIM_")}
-        cls.environment["LD_LIBRARY_PATH"] = str(cls.libraries)
+        super().setUpClass()
         shutil.copy(this_build.SOURCE / "examples" / EXAMPLE, cls.folder)
         compilers.check_run(this_build.C_COMPILER, f"-m{this_build.WORD_SIZE}", "-std=c99", *compilers.WARNINGS, EXAMPLE,
                             "-I", cls.prefix / this_build.INSTALLED_INCLUDE, "-L", cls.libraries, "-lvaskdfc",
-                            "-o", "list_adapters", cwd=cls.folder, environment=cls.environment)
+                            "-o", "list_adapters", cwd=cls.folder, environment=cls.running)
 
     def list_adapters(self, **scenario):
         """Runs the example on a simulated host; returns exit code, standard output and standard error."""
         file = self.folder / "scenario.json"
         file.write_text(json.dumps(SCENARIO | scenario), encoding="utf-8")
-        environment = self.environment | {"VMKMGMT_SIM_SCENARIO": str(file)}
+        environment = self.running | {"VMKMGMT_SIM_SCENARIO": str(file)}
         done = compilers.run(self.folder / "list_adapters", environment=environment)
         return done.returncode, done.stdout, done.stderr
 
@@ -66,7 +52,7 @@ class InstalledExample(unittest.TestCase):
         self.assertEqual(self.list_adapters(), (0, HEADING + FIRST + SECOND, ""))
 
     def test_lists_the_adapters_of_the_host_that_the_simulator_stands_for_when_nothing_is_set(self):
-        done = compilers.run(self.folder / "list_adapters", environment=self.environment)
+        done = compilers.run(self.folder / "list_adapters", environment=self.running)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertTrue(done.stdout.startswith(HEADING))
         self.assertGreaterEqual(len(done.stdout.splitlines()), 4)
