@@ -10,7 +10,7 @@ import pathlib
 import re
 import sys
 
-FOLDERS = ["bench", "cmake", "examples", "fuzz", "include", "man", "scripts", "simulator", "src", "tests", "tools"]
+FOLDERS = ["bench", "cmake", "examples", "fuzz", "include", "man", "packaging", "scripts", "simulator", "src", "tests", "tools"]
 CODE_SUFFIXES = {".h", ".c", ".cpp", ".py", ".sh", ".cmake"}
 COMPILED_SUFFIXES = {".h", ".c", ".cpp"}
 

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import tempfile
 import unittest
 
@@ -12,6 +13,7 @@ import this_build
 
 NODES = declarations.nodes_of_map(this_build.SOURCE / "src/libvaskdfc.map")
 PLATFORM_NODES = declarations.nodes_of_map(this_build.SOURCE / "simulator/libvmkmgmt.map")
+PACKAGING = this_build.SOURCE / "packaging/debian"
 
 # Calls a function, and reads a variable of the library after the library has written it.
 APPLICATION = """\
@@ -58,6 +60,23 @@ class Nodes(unittest.TestCase):
         imported = [name for name in elf.imported_symbols(this_build.APPLICATION) if name.split("@")[0] in sum(NODES.values(), [])]
         self.assertIn("DFC_InitDiagEnv", [name.split("@")[0] for name in imported])
         self.assertEqual(set(imported) - {name.replace("@@", "@") for name in names_in(NODES)}, set())
+
+
+class DebianPackage(unittest.TestCase):
+    """What the package of the library says of its names, for which dpkg computes dependencies."""
+
+    def test_its_symbols_are_the_exported_names_and_their_nodes_each_with_the_version_that_brought_it(self):
+        first, *lines = (PACKAGING / "libvaskdfc11.symbols").read_text(encoding="utf-8").splitlines()
+        self.assertEqual(first, "libvaskdfc.so.11 libvaskdfc11 #MINVER#")
+        listed = [line.split() for line in lines]
+        expected = [f"{name}@{node}" for node, names in NODES.items() for name in [node, *names]]
+        self.assertEqual(sorted(name for name, _ in listed), sorted(expected))
+        for name, version in listed:
+            self.assertRegex(version, r"^11(\.\d+){3}$", f"{name}: a version of the library without Debian's revision")
+
+    def test_its_version_is_the_one_of_the_library(self):
+        newest = (PACKAGING / "changelog").read_text(encoding="utf-8").splitlines()[0]
+        self.assertRegex(newest, rf"^vaskdfc \({re.escape(this_build.VERSION)}\.\d+-\d+\) ")
 
 
 class OlderApplication(unittest.TestCase):
