@@ -27,15 +27,28 @@ struct Lines {
   int result;
 };
 
+// A name as the log shows it, held in place: a pointer to it would have to be relocated whenever the library is loaded.
+class SiteName {
+ public:
+  // cppcheck-suppress noExplicitConstructor ; a call site is written down with literals
+  constexpr SiteName(const char* name) {
+    for (char* to = text_; *name != '\0'; ++name) *to++ = *name;
+  }
+  constexpr operator const char*() const { return text_; }
+
+ private:
+  char text_[36] = {};  // a longer name does not compile
+};
+
 // One place in the library that issues a callback.
 struct CallSite {
-  const char* function;
+  SiteName function;
   Callback callback;
   Lines lines;
   std::uint32_t parameters = facts_of(callback).parameters;
   // Some sites log another name than the callback's own; log readers match these names.
-  const char* call_name = facts_of(callback).name;
-  const char* result_name = call_name;
+  SiteName call_name = facts_of(callback).name;
+  SiteName result_name = call_name;
   // Board discovery probes numbers that mostly do not exist; those failures are no news.
   bool logs_failure = true;
 };
