@@ -22,6 +22,7 @@ LAYERS = [
     ("simulator", r"simulator/"),
     ("tools", r"tools/"),
     ("examples", r"examples/"),
+    ("bench", r"bench/"),
 ]
 
 # What a layer may include besides its own headers.
@@ -34,6 +35,7 @@ MAY_INCLUDE = {
     "simulator": ["include", "records", "callback table"],
     "tools": ["include"],
     "examples": ["include"],
+    "bench": ["include", "records", "callback table"],
 }
 
 # The SLI mode gates most families; regions travel in mailboxes; a rule about a LUN confirms its remote port.
@@ -54,10 +56,11 @@ WHY = {
     "simulator": "the simulator stands on the driver's side: public headers, the callback table and the driver-side records",
     "tools": "tools use what an application can use: public headers",
     "examples": "examples use what an application can use: public headers",
+    "bench": "benchmarks load the built library and stand on the driver's side: public headers, the callback table and its records",
 }
 
 # Folders that includes are relative to.
-ROOTS = ["include", "src", "simulator", "simulator/include", "tools/vaskdfc"]
+ROOTS = ["include", "src", "simulator", "simulator/include", "tools/vaskdfc", "bench"]
 
 PUBLIC_STANDARD_HEADERS = {"stddef.h", "stdint.h", "type_traits"}
 LOG_SOURCES = {"src/transport/log.h", "src/transport/log.cpp"}
