@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "exhaustive/platform.h"
 #include "promise.h"
 #include "transport/callbacks.h"
 #include "transport/log.h"
@@ -96,7 +97,8 @@ std::string started(std::string_view file) {
 
 std::string initialised() {
   std::string text;
-  if ((LogLevel & kLogHandle) != 0) text += line("dfc_mgmt_init", 112, format("Init handle[%p] refcnt[1:1]", &log_size) + ids());
+  if ((LogLevel & kLogHandle) != 0)
+    text += line("dfc_mgmt_init", 112, format("Init handle[%p] refcnt[1:1]", &test::answer) + ids());
   for (std::uint32_t board = 0; board < DFC_MAX_BOARDS; ++board) {
     if ((LogLevel & kLogCall) != 0) text += call_line("DFC_InitDiagEnv", 312, "TREL_MGMT_INITBRDS");
     if (board != 0 || (LogLevel & kLogOk) == 0) continue;
@@ -118,7 +120,7 @@ std::string asked() {
 
 std::string freed() {
   if ((LogLevel & kLogHandle) == 0) return "";
-  return line("DFC_FreeDiagEnv", 176, format("Destroy handle[%p] refcnt[0:0]", &log_size) + ids());
+  return line("DFC_FreeDiagEnv", 176, format("Destroy handle[%p] refcnt[0:0]", &test::answer) + ids());
 }
 
 // The log without its timestamps, which every line must begin with.
@@ -174,9 +176,10 @@ void close_log() {
 }
 
 // Board 0 is a supported adapter; the driver knows no other.
-std::uint32_t answer(Callback callback, const dfc_mgmt_hdr& header, void* payload) {
-  if (header.brdno != 0) return kFailure;
-  if (callback == Callback::kInitBrds) static_cast<dfc_initbrds_rsp*>(payload)->pci_id = 0x56015A41;
+int answer_as_one_adapter(Callback callback, const test::Parameters& parameters) {
+  auto& header = *static_cast<dfc_mgmt_hdr*>(parameters[0]);
+  header.status = header.brdno == 0 ? 0 : kFailure;
+  if (callback == Callback::kInitBrds) static_cast<dfc_initbrds_rsp*>(parameters[1])->pci_id = 0x56015A41;
   return 0;
 }
 
@@ -184,23 +187,6 @@ std::uint32_t answer(Callback callback, const dfc_mgmt_hdr& header, void* payloa
 }  // namespace vaskdfc::fuzz
 
 using namespace vaskdfc::fuzz;
-
-int vmk_MgmtUserInit(const void*, uint64_t, vmk_MgmtUserHandle* handle) {
-  *handle = &log_size;
-  return 0;
-}
-
-int vmk_MgmtUserDestroy(vmk_MgmtUserHandle) { return 0; }
-
-int vmk_MgmtUserCallbackInvokeInt(vmk_MgmtUserHandle, uint64_t, uint64_t callback, uint32_t count, ...) {
-  std::va_list arguments;
-  va_start(arguments, count);
-  auto& header = *va_arg(arguments, dfc_mgmt_hdr*);
-  void* const payload = count > 1 ? va_arg(arguments, void*) : nullptr;
-  va_end(arguments);
-  header.status = answer(static_cast<vaskdfc::Callback>(callback), header, payload);
-  return 0;
-}
 
 extern "C" {
 
@@ -216,6 +202,7 @@ std::FILE* __wrap_fopen64(const char* path, const char* mode) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view rest(reinterpret_cast<const char*>(data), size);
   std::size_t seen = 0;
+  vaskdfc::test::answer = answer_as_one_adapter;
   for (;;) {
     const std::size_t end = std::min(rest.find(kSeparator), rest.size());
     initialise(rest.substr(0, end), seen);

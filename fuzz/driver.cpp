@@ -94,8 +94,7 @@ int answer_as_told(Callback callback, const Parameters& parameters) {
 void call_one() {
   const std::vector<Operation>& all = operations();
   const Operation& operation = all[input->ConsumeIntegralInRange<std::size_t>(0, all.size() - 1)];
-  const bool is_older = operation.generation == Generation::kSli3;
-  HostileCaller caller(one_in(4) ? input->ConsumeIntegralInRange(0u, 31u) : is_older ? AgreeableDriver::kFirstOlder : 0);
+  HostileCaller caller(one_in(4) ? input->ConsumeIntegralInRange(0u, 31u) : board_of(operation.generation));
   allocations_left = one_in(8) ? input->ConsumeIntegralInRange(1u, 12u) : 0;
   operation.call(caller);
   allocations_left = 0;

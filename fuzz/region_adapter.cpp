@@ -1,13 +1,11 @@
 #include "region_adapter.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdarg>
 
+#include "mailbox/mailbox_words.h"
 #include "mailbox/region_mailbox.h"
 #include "promise.h"
 #include "transport/callbacks.h"
-#include "vaskdfc/platform.h"
 #include "vaskdfc/regions.h"
 
 namespace vaskdfc::fuzz {
@@ -19,11 +17,9 @@ namespace {
 // The code with which an adapter says that a region is missing.
 constexpr std::uint32_t kMissing = 0xFFFD;
 
-using Payloads = std::array<void*, 3>;
-
 template <typename T>
-T& payload(const Payloads& payloads, std::size_t position) {
-  return *static_cast<T*>(payloads[position]);
+T& parameter(const test::Parameters& parameters, std::size_t position) {
+  return *static_cast<T*>(parameters[position]);
 }
 
 void inform(DriverInfoReply& reply) {
@@ -57,42 +53,30 @@ void dump_piece(Mailbox& mailbox, MailboxExtension& extension) {
 }
 
 void run(Mailbox& mailbox, MailboxExtension& extension) {
-  const auto command = static_cast<RegionCommand>(mailbox.words[0] >> 8 & 0xFF);
+  const auto command = static_cast<RegionCommand>(command_of(mailbox.words));
   if (command == RegionCommand::kDump) return dump_piece(mailbox, extension);
   promise(command == RegionCommand::kUpdate, "a mailbox reads or writes a region");
   promise(extension.sent_bytes <= sizeof(extension.data), "an image fits into its mailbox's extension");
   region_adapter->regions[mailbox.words[2] & 0xFFFF] = Image(extension.data, extension.data + extension.sent_bytes);
 }
 
-void answer(Callback callback, dfc_mgmt_hdr& header, const Payloads& payloads) {
-  switch (callback) {
-    case Callback::kGetTrelDfcInfo: return inform(payload<DriverInfoReply>(payloads, 0));
-    case Callback::kHbaIssueDmpMbx:
-      return dump(header, payload<DumpRequest>(payloads, 0), payload<RegionData>(payloads, 1),
-                  payload<CompletionWord>(payloads, 2));
-    case Callback::kHbaIssueUpdMbx: return update(header, payload<RegionData>(payloads, 0));
-    case Callback::kMbox: return run(payload<Mailbox>(payloads, 1), payload<MailboxExtension>(payloads, 2));
-    default: return;
-  }
-}
-
 }  // namespace
-}  // namespace vaskdfc::fuzz
 
-int vmk_MgmtUserInit(const void*, uint64_t, vmk_MgmtUserHandle*) { return 0; }
-
-int vmk_MgmtUserDestroy(vmk_MgmtUserHandle) { return 0; }
-
-int vmk_MgmtUserCallbackInvokeInt(vmk_MgmtUserHandle, uint64_t, uint64_t callback, uint32_t count, ...) {
-  std::array<void*, 4> parameters{};
-  std::va_list arguments;
-  va_start(arguments, count);
-  std::generate_n(parameters.begin(), std::min<std::size_t>(count, parameters.size()), [&] { return va_arg(arguments, void*); });
-  va_end(arguments);
-  vaskdfc::fuzz::answer(static_cast<vaskdfc::Callback>(callback), *static_cast<dfc_mgmt_hdr*>(parameters[0]),
-                        {parameters[1], parameters[2], parameters[3]});
+int answer_as_region_adapter(Callback callback, const test::Parameters& parameters) {
+  switch (callback) {
+    case Callback::kGetTrelDfcInfo: inform(parameter<DriverInfoReply>(parameters, 1)); break;
+    case Callback::kHbaIssueDmpMbx:
+      dump(parameter<dfc_mgmt_hdr>(parameters, 0), parameter<DumpRequest>(parameters, 1), parameter<RegionData>(parameters, 2),
+           parameter<CompletionWord>(parameters, 3));
+      break;
+    case Callback::kHbaIssueUpdMbx: update(parameter<dfc_mgmt_hdr>(parameters, 0), parameter<RegionData>(parameters, 1)); break;
+    case Callback::kMbox: run(parameter<Mailbox>(parameters, 2), parameter<MailboxExtension>(parameters, 3)); break;
+    default: break;
+  }
   return 0;
 }
+
+}  // namespace vaskdfc::fuzz
 
 // Nobody waits for an adapter that a fuzzer plays.
 extern "C" int __wrap_usleep(unsigned) { return 0; }

@@ -5,6 +5,8 @@
 #include <map>
 #include <vector>
 
+#include "exhaustive/platform.h"
+
 namespace vaskdfc::fuzz {
 
 using Image = std::vector<std::uint8_t>;
@@ -21,7 +23,8 @@ struct RegionAdapter {
   bool is_newer() const { return sli_mode >= 4; }
 };
 
-// The one that answers at every board.
+// The one that answers at every board, and its answers.
 extern RegionAdapter* region_adapter;
+int answer_as_region_adapter(Callback callback, const test::Parameters& parameters);
 
 }  // namespace vaskdfc::fuzz

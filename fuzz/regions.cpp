@@ -230,6 +230,7 @@ void exercise(RegionAdapter adapter, const Image& image) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vaskdfc::fuzz;
+  vaskdfc::test::answer = answer_as_region_adapter;
   const Image image(data, data + std::min(size, sizeof(vaskdfc::RegionData)));
   search(image);
   // As many bytes of an image a mailbox as are asked for, or fewer; not so few that gathering them takes long.

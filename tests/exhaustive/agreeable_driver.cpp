@@ -4,6 +4,8 @@
 #include <cstring>
 #include <span>
 
+#include "mailbox/mailbox_words.h"
+#include "mailbox/region_mailbox.h"
 #include "regions/region22.h"
 #include "regions/region23.h"
 #include "transport/records/regions.h"
@@ -36,10 +38,9 @@ void put_region(std::uint32_t region, std::span<std::uint8_t> room) {
 
 // Dumps of regions come in pieces of what the mailbox asks for; any other mailbox is completed as it was sent.
 void answer_mailbox(const Parameters& parameters, std::uint8_t filler) {
-  constexpr std::uint8_t kDump = 0x17;
   auto& mailbox = parameter<Mailbox>(parameters, 2);
   auto& extension = parameter<MailboxExtension>(parameters, 3);
-  if ((mailbox.words[0] >> 8 & 0xFF) != kDump) {
+  if (command_of(mailbox.words) != static_cast<std::uint8_t>(RegionCommand::kDump)) {
     std::memset(parameters[1], filler, sizeof(MailboxData));
     std::ranges::fill(extension.data, filler);
     return;

@@ -3,11 +3,11 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "exhaustive/agreeable_driver.h"
 #include "exhaustive/caller.h"
 #include "transport/callbacks.h"
 
@@ -60,6 +60,11 @@ Steps sli_mode(Result failure);
 
 // Which adapters a row is for.
 enum class Generation : std::uint8_t { kAny, kSli3, kSli4 };
+
+// A board of the agreeable driver with such an adapter.
+constexpr std::uint32_t board_of(Generation generation) {
+  return generation == Generation::kSli3 ? AgreeableDriver::kFirstOlder : 2;
+}
 
 // What a row needs to have to itself.
 enum class Scope : std::uint8_t {

@@ -1,6 +1,4 @@
 // Raw access, driver information, link, parameters, loopback, priorities, OAS rules, virtual ports.
-#include <sys/time.h>
-
 #include "exhaustive/operation.h"
 #include "vaskdfc.h"
 

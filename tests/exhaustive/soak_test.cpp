@@ -68,7 +68,7 @@ bool call_any() {
   const Operation& operation = all[below(all.size())];
   start_library();
   LogLevel = kLogHandle | kLogOk | kLogError | kLogCall;
-  Caller caller(operation.generation == Generation::kSli3 ? AgreeableDriver::kFirstOlder : 0);
+  Caller caller(board_of(operation.generation));
   operation.call(caller);
   c_library.opened_files.clear();
   c_library.sleeps.clear();

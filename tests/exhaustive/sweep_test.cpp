@@ -65,7 +65,7 @@ class Sweep : public testing::TestWithParam<Operation> {
     c_library.allocations = 0;
     c_library.refused_allocation = refused_allocation;
 
-    Caller caller(GetParam().generation == Generation::kSli3 ? AgreeableDriver::kFirstOlder : 2);
+    Caller caller(board_of(GetParam().generation));
     const std::uint32_t result = GetParam().call(caller);
     c_library.refused_allocation = 0;
     untouched_ = caller.is_untouched();
