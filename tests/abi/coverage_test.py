@@ -47,9 +47,7 @@ class Coverage(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(folder.cleanup)
-        cls.tree = pathlib.Path(folder.name).resolve()
+        cls.tree = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory())).resolve()
         for name, text in TREE.items():
             path = cls.tree / name
             path.parent.mkdir(parents=True, exist_ok=True)

@@ -29,9 +29,7 @@ class InstalledTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
+        cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
         cls.prefix = cls.folder / "prefix"
         install(cls.prefix)
 

@@ -18,9 +18,7 @@ class Alone(unittest.TestCase):
     """Compiles headers from a copy of the folder, so that nothing private is within reach."""
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.include = pathlib.Path(folder.name) / "include"
+        self.include = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "include"
         shutil.copytree(this_build.INCLUDE, self.include)
 
     def complaints(self, compiler, language, word_size, source):

@@ -58,9 +58,7 @@ class SmallLibrary(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
+        cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
         cls.record = cls.folder / "lamp.abi"
         cls.record.write_text(abi.described(cls.built(SOURCE)), encoding="utf-8")
 

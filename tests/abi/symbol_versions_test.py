@@ -83,9 +83,7 @@ class OlderApplication(unittest.TestCase):
     """A program that was linked with the library before it had nodes."""
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         self.environment = {name: value for name, value in os.environ.items() if not name.startswith("VMKMGMT_SIM_")}
 
     def compile(self, source, *options):
