@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "support/library_test.h"
+#include "transport/mgmt_interface.h"
 
 namespace vaskdfc {
 namespace {
@@ -156,6 +157,13 @@ TEST_F(LogTest, a_mask_of_2_leaves_only_successes_and_the_init_failure) {
                 "Kestar cards are installed.  Else a possible reason would be incompatible driver and application versions.\n\n"
                 "2023-11-14T22:13:20       dfc_mgmt_inbox_init:  152 Management init failure: x78. Check if driver is loaded and "
                 "Kestar cards are installed.  Else a possible reason would be incompatible driver and application versions.\n\n");
+}
+
+TEST_F(LogTest, a_handle_that_was_never_opened_is_nil) {
+  start_log();
+  refcnt = 0;
+  log_init_handle({"function", 7}, nullptr, 1);
+  EXPECT_EQ(log(), "2023-11-14T22:13:20                  function:    7 Init handle[(nil)] refcnt[1:0] id[4711:4712]\n");
 }
 
 // --- what the library keeps of a thread and a second
