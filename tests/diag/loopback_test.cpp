@@ -76,12 +76,12 @@ class RunLoopbackTest : public test::AdapterTest {
   test::ExpectedCall call(std::uint32_t bytes) const {
     return {.callback = Callback::kLoopbackTest,
             .sent = {.brdno = kDriverBoard, .arg2 = bytes},
-            .sent_payload = {ByteVector(data.begin(), data.begin() + bytes)},
+            .sent_payload = {ByteVector(data.data(), data.data() + bytes)},
             .payload = {{}, ByteVector(65536, 0xA5)}};
   }
   // Sends bytes from and to memory of just that size; `received` bytes must arrive, and no further one.
   std::uint32_t run(std::uint32_t bytes, std::size_t received) const {
-    const ByteVector sent(data.begin(), data.begin() + bytes);
+    const ByteVector sent(data.data(), data.data() + bytes);
     ByteVector memory(bytes, 0xEE);
     const dfc_loopback loopback{.bufSize = bytes, .txBuf = sent.data(), .rxBuf = memory.data()};
     const std::uint32_t result = DFC_RunLoopbackTest(kBoard, &loopback);

@@ -223,7 +223,7 @@ TEST_F(TargetMappingV2Test, leaves_the_callers_identifier_where_a_unit_tells_non
     EXPECT_EQ(get(caller), HBA_STATUS_OK);
     ByteVector page_received = each.page;
     if (each.page_bytes < page_received.size()) {
-      std::fill(page_received.begin() + each.page_bytes, page_received.end(), std::uint8_t{0});
+      std::fill_n(page_received.data() + each.page_bytes, page_received.size() - each.page_bytes, std::uint8_t{0});
     }
     EXPECT_EQ(caller.entry(0), expected_entry(1, page_received, each.identifier));
   }

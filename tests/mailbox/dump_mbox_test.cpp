@@ -38,7 +38,7 @@ class DumpMboxTest : public test::AdapterTest {
   void expect_delivered(std::uint32_t bytes, std::uint32_t data_offset = 0) {
     EXPECT_EQ(length, bytes);
     ByteVector expected(buffer.size(), kUntouched);
-    std::copy_n(numbered(4096).begin() + data_offset, bytes, expected.begin());
+    std::copy_n(numbered(4096).data() + data_offset, bytes, expected.begin());
     EXPECT_EQ(buffer, expected);
   }
 
