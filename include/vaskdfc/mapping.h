@@ -99,7 +99,7 @@ uint32_t GetFcpTargetMapping(uint32_t board, HbaFcpTargetMapping* mapping);
  * @param board    board index
  * @param wwn      the adapter's port WWN
  * @param mapping  receives the entries, at most 1024, and the count. A unit that does not tell a usable identifier (of the unit
- * itself, of a type below 4, first in its page) leaves the caller's bytes in LUID
+ * itself, of a type below 4, first in its page), or cannot be asked for lack of memory, leaves the caller's bytes in LUID
  * @return HBA_STATUS_OK; HBA_STATUS_ERROR_ILLEGAL_WWN when the adapter's port has another WWN; HBA_STATUS_ERROR_MORE_DATA when the
  * units do not fit, with the count; HBA_STATUS_ERROR on any other failure
  *
